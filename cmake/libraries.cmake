@@ -1,0 +1,11 @@
+# Every library comes from the system; docs/dependencies.md says why each.
+find_package(PkgConfig REQUIRED)
+find_package(Threads REQUIRED)
+pkg_check_modules(SQLITE REQUIRED IMPORTED_TARGET sqlite3)
+pkg_check_modules(ICU REQUIRED IMPORTED_TARGET icu-uc icu-i18n)
+pkg_check_modules(LUA REQUIRED IMPORTED_TARGET lua5.4)
+pkg_check_modules(SODIUM REQUIRED IMPORTED_TARGET libsodium)
+pkg_check_modules(GMIME REQUIRED IMPORTED_TARGET gmime-3.0)
+pkg_check_modules(LIBXML REQUIRED IMPORTED_TARGET libxml-2.0)
+find_package(CLI11 REQUIRED)
+find_package(nlohmann_json REQUIRED)
