@@ -16,10 +16,10 @@ struct INDEXCONTEXT {
     uint16_t lastStatus;     // 0 handled, 549 removed instead, 551 no note
     int64_t writtenSize;     // what the last Send reported, sign-extended; nothing reads it
     NOTEID currentNote;
-    bool stopped;            // the pass was interrupted and is to be resumed
-    DBHANDLE database;       // borrowed
-    IDTABLE unreadTable;     // the user's unread notes, or 0; borrowed
-    NOTEID resumeNote;       // notes with a smaller id were done before the interruption; 0: none
-    bool fullPass;           // started from no stored time: everything is new
-    bool history;            // a pass over the history database
+    bool stopped;         // the pass was interrupted and is to be resumed
+    DBHANDLE database;    // borrowed
+    IDTABLE unreadTable;  // the user's unread notes, or 0; borrowed
+    NOTEID resumeNote;    // notes with a smaller id were done before the interruption; 0: none
+    bool fullPass;        // started from no stored time: everything is new
+    bool history;         // a pass over the history database
 };

@@ -26,16 +26,16 @@ static_assert(sizeof(PLUGINCONTEXT) == 40);
 constexpr int kDatabaseSlots = 15;  // slots 0..14; the history database is slot 15
 
 // Written by the client's thread, polled by the indexing thread; defined in addin/lifecycle.cpp.
-extern std::atomic<uint8_t> bStarted;         // message 0 was handled; never cleared
-extern std::atomic<uint8_t> bThreadExists;    // the thread was created; never cleared
-extern std::atomic<uint8_t> bShutDownThread;  // the thread is to end
-extern std::atomic<uint8_t> bStopAndReset;    // the pass is to be abandoned and all progress forgotten
-extern std::atomic<uint8_t> bStartSoon;       // the wait is to end and a cycle to begin
-extern std::atomic<uint32_t> dwIdleDelay;     // milliseconds; the next wait, when 1..period
-extern std::atomic<uint32_t> dwHistoryCount;  // system timer at the last history pass, milliseconds
+extern std::atomic<uint8_t> bStarted;                 // message 0 was handled; never cleared
+extern std::atomic<uint8_t> bThreadExists;            // the thread was created; never cleared
+extern std::atomic<uint8_t> bShutDownThread;          // the thread is to end
+extern std::atomic<uint8_t> bStopAndReset;            // the pass is to be abandoned and all progress forgotten
+extern std::atomic<uint8_t> bStartSoon;               // the wait is to end and a cycle to begin
+extern std::atomic<uint32_t> dwIdleDelay;             // milliseconds; the next wait, when 1..period
+extern std::atomic<uint32_t> dwHistoryCount;          // system timer at the last history pass, milliseconds
 extern std::atomic<uint8_t> bLogged[kDatabaseSlots];  // an open failure of the slot is in the log already
 extern std::atomic<uint8_t> bLoggedHistory;
-extern PLUGINCONTEXT GlobalContext;           // written by the indexing thread
+extern PLUGINCONTEXT GlobalContext;  // written by the indexing thread
 
 // False when the administrator's policy locks the add-in off.  Asks the policy on the client's main
 // thread only; elsewhere the last answer counts.  Once locked, locked for the life of the process.
@@ -49,6 +49,8 @@ void ThreadProc(void* arg);
 
 // Abandons the current pass and forgets the progress of all slots.
 void StopAndReset();
+// Clears the progress records of all slots, the history slot's too.
+void ForgetAllProgress();
 // Open failures are logged once more.
 void ResetLog();
 // Brings the next cycle forward.

@@ -18,10 +18,10 @@ using BYTE = uint8_t;
 using WORD = uint16_t;
 using DWORD = uint32_t;
 using STATUS = uint16_t;
-using NOTEID = uint32_t;      // id of a note in its database; the top bit marks a deletion entry
-using DBHANDLE = uint32_t;    // 0: none
-using NOTEHANDLE = uint32_t;  // 0: none
-using IDTABLE = uint32_t;     // 0: none
+using NOTEID = uint32_t;          // id of a note in its database; the top bit marks a deletion entry
+using DBHANDLE = uint32_t;        // 0: none
+using NOTEHANDLE = uint32_t;      // 0: none
+using IDTABLE = uint32_t;         // 0: none
 using COMPUTEHANDLE = uint32_t;   // 0: none
 using COMPOUNDHANDLE = uint32_t;  // 0: none
 
@@ -39,8 +39,8 @@ struct UNID {
 
 struct ORIGINATORID {
     UNID Unid;
-    DWORD Sequence;          // counts the note's changes, from 1
-    TIMEDATE SequenceTime;   // when the note was last changed, as users see it
+    DWORD Sequence;         // counts the note's changes, from 1
+    TIMEDATE SequenceTime;  // when the note was last changed, as users see it
 };
 
 // A block of store memory: which pool, and where in it.  {0, 0} is the null block.
@@ -50,46 +50,46 @@ struct BLOCKID {
 };
 
 struct DBREPLICAINFO {
-    TIMEDATE ID;      // the replica id
+    TIMEDATE ID;  // the replica id
     WORD Flags;
     WORD CutoffInterval;
     TIMEDATE Cutoff;
 };
 
 struct TIME {
-    int year, month, day;  // month and day from 1
-    int weekday;           // 1 Sunday .. 7 Saturday
+    int year, month, day;                 // month and day from 1
+    int weekday;                          // 1 Sunday .. 7 Saturday
     int hour, minute, second, hundredth;  // -1 where GM carries no time of day
-    int dst;               // daylight flag
-    int zone;              // hours west of GMT
+    int dst;                              // daylight flag
+    int zone;                             // hours west of GMT
     TIMEDATE GM;
 };
 
 // ---- Statuses the add-in or its tests give meaning to ---------------------------------------
 
 constexpr STATUS kStatusOk = 0;
-constexpr STATUS kStatusNoSuchFile = 259;         // no such file or folder
-constexpr STATUS kStatusCancelled = 413;          // the user cancelled a chooser
-constexpr STATUS kStatusNotADatabase = 513;       // the file is not a database, or is damaged beyond opening
-constexpr STATUS kStatusNewerFormat = 514;        // written by a newer store
-constexpr STATUS kStatusLocked = 515;             // another process kept the database locked
-constexpr STATUS kStatusReadOnly = 516;           // the file may not be written
+constexpr STATUS kStatusNoSuchFile = 259;    // no such file or folder
+constexpr STATUS kStatusCancelled = 413;     // the user cancelled a chooser
+constexpr STATUS kStatusNotADatabase = 513;  // the file is not a database, or is damaged beyond opening
+constexpr STATUS kStatusNewerFormat = 514;   // written by a newer store
+constexpr STATUS kStatusLocked = 515;        // another process kept the database locked
+constexpr STATUS kStatusReadOnly = 516;      // the file may not be written
 constexpr STATUS kStatusDiskFull = 517;
-constexpr STATUS kStatusDamaged = 518;            // this part of the database cannot be read
-constexpr STATUS kStatusNoAccess = 519;           // the file may not be opened
-constexpr STATUS kStatusModeUnsuitable = 540;     // opened, but its mode does not allow indexing
+constexpr STATUS kStatusDamaged = 518;         // this part of the database cannot be read
+constexpr STATUS kStatusNoAccess = 519;        // the file may not be opened
+constexpr STATUS kStatusModeUnsuitable = 540;  // opened, but its mode does not allow indexing
 constexpr STATUS kStatusItemNotFound = 546;
-constexpr STATUS kStatusNoteDeleted = 549;        // only the deletion stub is left
-constexpr STATUS kStatusNoSuchNote = 551;         // never was in this database
-constexpr STATUS kStatusNothingModified = 572;    // nothing modified since the given time
+constexpr STATUS kStatusNoteDeleted = 549;      // only the deletion stub is left
+constexpr STATUS kStatusNoSuchNote = 551;       // never was in this database
+constexpr STATUS kStatusNothingModified = 572;  // nothing modified since the given time
 constexpr STATUS kStatusBadHandle = 590;
-constexpr STATUS kStatusBadText = 591;            // text that cannot be converted or parsed
+constexpr STATUS kStatusBadText = 591;  // text that cannot be converted or parsed
 constexpr STATUS kStatusNoMemory = 592;
-constexpr STATUS kStatusNotFound = 593;           // no design note, policy or variable of that name
+constexpr STATUS kStatusNotFound = 593;  // no design note, policy or variable of that name
 constexpr STATUS kStatusFormulaFailed = 594;
-constexpr STATUS kStatusSealed = 595;             // no key to decrypt the note with
+constexpr STATUS kStatusSealed = 595;  // no key to decrypt the note with
 constexpr STATUS kStatusIoError = 596;
-constexpr STATUS kStatusStopped = 719;            // ended on request
+constexpr STATUS kStatusStopped = 719;  // ended on request
 constexpr STATUS kStatusRemoteNotAllowed = 788;
 constexpr STATUS kStatusRemoteUnreachable = 789;  // a server part, and no server is to be had
 constexpr STATUS kStatusRemovalFailed = 11779;    // pass stopped: a removal or blank write failed
@@ -277,18 +277,18 @@ STATUS EnumCompositeBuffer(BLOCKID value, DWORD valueBytes, RecordCallback callb
 STATUS ODSReadMemory(const char** source, const char* end, WORD structureType, void* structure, WORD iterations);
 WORD ODSLength(WORD structureType);
 
-struct LINKRECORD {       // structure type 631
-    WORD signature;       // as a signed word: -10, -166, -143 or -136 carry links
-    WORD recordBytes;     // the whole record, this part included
-    DWORD flags;          // bit value 2 in the low byte: the link follows the variable parts
-    WORD linkType;        // 2: a link to a note
-    WORD firstCount;      // two variable parts of firstCount, then secondCount, words each ...
-    WORD secondCount;     // ... stand before the link
+struct LINKRECORD {    // structure type 631
+    WORD signature;    // as a signed word: -10, -166, -143 or -136 carry links
+    WORD recordBytes;  // the whole record, this part included
+    DWORD flags;       // bit value 2 in the low byte: the link follows the variable parts
+    WORD linkType;     // 2: a link to a note
+    WORD firstCount;   // two variable parts of firstCount, then secondCount, words each ...
+    WORD secondCount;  // ... stand before the link
     WORD spare[5];
 };
 static_assert(sizeof(LINKRECORD) == 24);
 
-struct NOTELINK {         // structure type 33
+struct NOTELINK {  // structure type 33
     TIMEDATE replica;
     UNID view;
     UNID note;
@@ -347,8 +347,9 @@ DWORD OSUnicodeToSCS32(const uint16_t* source, DWORD sourceBytes, char* target, 
 const char* OSNextCharacter(const char* text);
 // "CN=Ann Lee/O=Acme" becomes "Ann Lee/Acme"; an Internet address stays.  Into out[size], terminated.
 STATUS DNAbbreviate(DWORD flags, void* reserved, const char* name, char* out, WORD size, WORD* length);
-// Splits a path into port, server and file (each out 256 bytes or null).  591 for a malformed one.
-STATUS OSPathNetParse(const char* path, char* port, char* server, char* file);
+// The port and server parts of a path (each out 256 bytes, empty for a local path, or null).  reserved: 0.
+// 591 for a malformed one.
+STATUS OSPathNetParse(const char* path, char* reserved, char* port, char* server);
 // Resolves "." and ".." and doubled separators, in place, path[256].
 STATUS OSPathCanonicalize(char* path);
 // Makes and opens an empty file in the temporary folder, mode 0600; its name (SCS) into name[size].
