@@ -149,7 +149,7 @@ bool NAMEDPIsFieldLocked(NOTEHANDLE policyNote, const char* field);
 // One entry in the client's log.  id: number of the add-in's localized text, whose conversions
 // consume the further arguments in order: %s (const char*, SCS), %d %u %X (32-bit), %T (const
 // TIMEDATE*).  status is shown when it is not 0.
-void LogEvent(DWORD id, DWORD reserved, STATUS status, ...);
+void LogEvent(DWORD id, DWORD reserved, DWORD status, ...);  // a DWORD: the variable arguments follow it
 // Formats into buffer (terminated, at most 1024 bytes): %H takes a pointer to an 8-byte id and
 // prints 16 upper-case hexadecimal digits, Innards[1] first; %s, %d, %u and %X as printf.
 // Returns the length.
