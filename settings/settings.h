@@ -110,8 +110,8 @@ extern std::atomic<uint8_t> bIniIndexAllNotes;
 extern std::atomic<uint8_t> bIniSkipLegal;
 extern std::atomic<uint8_t> bIniInhouse;
 extern std::atomic<uint8_t> bIniComputeOk;
-extern std::atomic<uint32_t> dwIniFreq;        // minutes
-extern std::atomic<uint32_t> dwIniWaitTime;    // milliseconds
+extern std::atomic<uint32_t> dwIniFreq;      // minutes
+extern std::atomic<uint32_t> dwIniWaitTime;  // milliseconds
 extern std::atomic<uint32_t> dwQueryCookie;
 extern std::atomic<uint32_t> bJustRegistered;
 extern std::atomic<uint32_t> dwGoogleSupport;  // kNoteKind... bits

@@ -1,0 +1,102 @@
+// metastore/search_engine_event.cpp: one note's metadata on its way into a metafile.
+#include "metastore/search_engine_event.h"
+
+#include "metastore/search_engine.h"
+#include "strings/cf_owner.h"
+
+namespace {
+
+constexpr const char* kVersionKey = "com_quorvex_morvane_pavex_metafile_version";
+constexpr const char* kVersion = "1.0.0";
+constexpr wchar_t kReplacement = 0xFFFD;
+
+bool IsHighSurrogate(wchar_t unit)
+{
+    return (unit & 0xFC00) == 0xD800;
+}
+
+bool IsLowSurrogate(wchar_t unit)
+{
+    return (unit & 0xFC00) == 0xDC00;
+}
+
+bool IsForbiddenInXml(wchar_t unit)
+{
+    return (unit < 0x20 && unit != L'\t' && unit != L'\n' && unit != L'\r') || unit == 0xFFFE || unit == 0xFFFF;
+}
+
+// Units that XML cannot hold, as U+FFFD.  The property-list writer would write control characters as they
+// are, and nobody could read the file; a half surrogate pair would take other text along.
+CString XmlText(const CString& text)
+{
+    std::wstring wide = text.GetWString();
+    for (size_t i = 0; i < wide.size(); ++i) {
+        const wchar_t unit = wide[i] & 0xFFFF;
+        if (IsHighSurrogate(unit) && i + 1 < wide.size() && IsLowSurrogate(wide[i + 1] & 0xFFFF)) {
+            ++i;  // a pair is one character
+            continue;
+        }
+        if (IsForbiddenInXml(unit) || IsHighSurrogate(unit) || IsLowSurrogate(unit))
+            wide[i] = kReplacement;
+    }
+    return CString(wide);
+}
+
+// An existing entry stays.  Null (out of memory): nothing is added.
+void AddValue(CFMutableDictionaryRef properties, const CString& key, CFTypeRef value)
+{
+    const CFOwner<CFStringRef> name(XmlText(key).toCFStringRef());
+    if (name.Get() != nullptr && value != nullptr)
+        CFDictionaryAddValue(properties, name.Get(), value);
+}
+
+}  // namespace
+
+SearchEngineEvent::SearchEngineEvent(SearchEngineEventType type)
+    : properties_(CFDictionaryCreateMutable(kCFAllocatorDefault, 0, &kCFTypeDictionaryKeyCallBacks,
+                                            &kCFTypeDictionaryValueCallBacks)),
+      type_(type)
+{
+    AddProperty(kVersionKey, kVersion);
+}
+
+SearchEngineEvent::SearchEngineEvent(const SearchEngineEvent& other)
+    : properties_(CFDictionaryCreateMutableCopy(kCFAllocatorDefault, 0, other.properties_)), type_(other.type_)
+{
+}
+
+SearchEngineEvent::~SearchEngineEvent()
+{
+    if (properties_ != nullptr)
+        CFRelease(properties_);
+}
+
+SearchEngineResult SearchEngineEvent::AddProperty(const CString& key, const CString& value)
+{
+    const CFOwner<CFStringRef> text(XmlText(value).toCFStringRef());
+    AddValue(properties_, key, text.Get());
+    return kSearchEngineNoError;
+}
+
+SearchEngineResult SearchEngineEvent::AddProperty(const CString& key, const double& value)
+{
+    const CFOwner<CFDateRef> date(CFDateCreate(kCFAllocatorDefault, value));
+    AddValue(properties_, key, date.Get());
+    return kSearchEngineNoError;
+}
+
+SearchEngineResult SearchEngineEvent::AddProperty(const CString& key, const unsigned int& value)
+{
+    const CFOwner<CFNumberRef> number(CFNumberCreate(kCFAllocatorDefault, kCFNumberIntType, &value));
+    AddValue(properties_, key, number.Get());
+    return kSearchEngineNoError;
+}
+
+SearchEngineResult SearchEngineEvent::Send(int flags, int* error)
+{
+    if (error != nullptr)
+        *error = 0;
+    // a metafile that cannot be written must not end the note's indexing, nor the pass
+    static_cast<void>(SearchEngine::GetInstance()->SendEvent(*this, flags));
+    return kSearchEngineNoError;
+}
