@@ -49,7 +49,7 @@ public:
 private:
     bool RunScript(Dialog& dialog);
     void RunSession(Dialog& dialog);
-    bool RunCommand(Dialog& dialog, const std::string& line);
+    void RunCommand(Dialog& dialog, const std::string& line);
     bool Perform(Dialog& dialog, const TextAction& action, std::string* error);
     bool AddFile(Dialog& dialog, const TextAction& action, std::string* error);
     bool RemoveFile(Dialog& dialog, const TextAction& action, std::string* error);
