@@ -31,12 +31,12 @@ struct Kind {
     bool (*index)(NOTEHANDLE note, INDEXCONTEXT* context);
 };
 constexpr Kind kKinds[] = {
-    {nullptr, IsCalendarNote, kSupportCalendar, IndexCalendarNote},
-    {nullptr, IsTaskNote, kSupportTask, IndexTaskNote},
-    {IsIndexingDiscussion, IsDiscussionNote, kSupportDiscussion, IndexDiscussionNote},
-    {nullptr, IsMailNote, kSupportMail, IndexMailNote},
-    {nullptr, IsContactNote, kSupportContact, IndexContactNote},
-    {nullptr, IsJournalNote, kSupportJournal, IndexJournalNote},
+    {nullptr, IsCalendarNote, kNoteKindCalendar, IndexCalendarNote},
+    {nullptr, IsTaskNote, kNoteKindTask, IndexTaskNote},
+    {IsIndexingDiscussion, IsDiscussionNote, kNoteKindDiscussion, IndexDiscussionNote},
+    {nullptr, IsMailNote, kNoteKindMail, IndexMailNote},
+    {nullptr, IsContactNote, kNoteKindContact, IndexContactNote},
+    {nullptr, IsJournalNote, kNoteKindJournal, IndexJournalNote},
 };
 
 void DecryptIfSealed(NOTEHANDLE note)
@@ -50,7 +50,7 @@ void DecryptIfSealed(NOTEHANDLE note)
 
 bool RemoveEntry(DBHANDLE db, NOTEID id, INDEXCONTEXT* context)
 {
-    if (!DoesGoogleSupport(kSupportDeletion))
+    if (!DoesGoogleSupport(kNoteKindRemoval))
         return false;
     ORIGINATORID oid = {};
     TIMEDATE modified = {};
@@ -96,14 +96,14 @@ bool IndexNote(NOTEHANDLE note, INDEXCONTEXT* context)
 {
     DecryptIfSealed(note);
     if (context->history)
-        return IsHistoryNote(note) && DoesGoogleSupport(kSupportGeneric) && IndexHistoryNote(note, context);
+        return IsHistoryNote(note) && DoesGoogleSupport(kNoteKindGeneric) && IndexHistoryNote(note, context);
     for (const Kind& kind : kKinds) {
         if (kind.isAsked != nullptr && !kind.isAsked())
             continue;
         if (kind.claims(note))
             return DoesGoogleSupport(kind.maskBit) && kind.index(note, context);
     }
-    return IsIndexingAllNotes() && DoesGoogleSupport(kSupportGeneric) && IndexGenericNote(note, context);
+    return IsIndexingAllNotes() && DoesGoogleSupport(kNoteKindGeneric) && IndexGenericNote(note, context);
 }
 
 bool DeleteNoteFromIndex(NOTEHANDLE note, INDEXCONTEXT* context)

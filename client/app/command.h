@@ -1,0 +1,46 @@
+// client/app/command.h: what a subcommand of the program is.
+// One table (client/app/commands.cpp) gives dispatch and help; each subcommand has a file of its own.
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <functional>
+#include <span>
+#include <string>
+
+#include "client/store/host.h"
+
+namespace pavex {
+
+constexpr int kExitDone = 0;
+constexpr int kExitFailed = 1;
+constexpr int kExitWrongUse = 2;
+
+// Runs with the host started (StartHost); returns the exit status.
+using CommandFunction = std::function<int()>;
+
+struct CommandRow {
+    const char* name;
+    const char* summary;
+    // Declares the options and returns what runs with the values they got.
+    CommandFunction (*configure)(CLI::App& options);
+};
+std::span<const CommandRow> Commands();
+
+CommandFunction ConfigureImport(CLI::App& options);
+CommandFunction ConfigureIndex(CLI::App& options);
+CommandFunction ConfigureNote(CLI::App& options);
+CommandFunction ConfigureRun(CLI::App& options);
+CommandFunction ConfigureSettings(CLI::App& options);
+CommandFunction ConfigureStatus(CLI::App& options);
+
+// The whole program: parses, starts the host, runs the command.
+int RunProgram(int argc, char** argv);
+
+// One line on standard error, "pavex: ...", and kExitFailed.
+int Fail(const std::string& message);
+
+// The native path of a database as a user names it: an absolute path, or one that is found from the
+// working folder, or has a folder part; else the file of that name in the data directory.
+std::string DatabasePath(const std::string& name);
+
+}  // namespace pavex

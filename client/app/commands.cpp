@@ -1,0 +1,67 @@
+// client/app/commands.cpp: the table of subcommands, and the program around them.
+#include <filesystem>
+#include <iostream>
+#include <map>
+
+#include "client/app/command.h"
+
+namespace pavex {
+
+namespace {
+
+constexpr CommandRow kCommands[] = {
+    {"import", "read mailboxes and message files into databases", ConfigureImport},
+    {"note", "put, get, list and delete single notes", ConfigureNote},
+    {"settings", "show and change the desktop search settings", ConfigureSettings},
+    {"index", "bring the search metadata up to date, once", ConfigureIndex},
+    {"run", "stay and keep the search metadata up to date", ConfigureRun},
+    {"status", "tell what is indexed and how far", ConfigureStatus},
+};
+
+}  // namespace
+
+std::span<const CommandRow> Commands()
+{
+    return kCommands;
+}
+
+int Fail(const std::string& message)
+{
+    std::cerr << "pavex: " << message << '\n';
+    return kExitFailed;
+}
+
+std::string DatabasePath(const std::string& name)
+{
+    namespace fs = std::filesystem;
+    std::error_code none;
+    if (name.find('/') != std::string::npos || fs::exists(name, none))
+        return fs::absolute(name, none).lexically_normal().string();
+    return (fs::path(CurrentPlaces().data) / name).string();
+}
+
+int RunProgram(int argc, char** argv)
+{
+    CLI::App program("A small portable Pavex client that keeps your notes findable in the desktop search.", "pavex");
+    program.require_subcommand(1);
+    program.set_version_flag("--version", "pavex 0.1.0");
+    std::string home;
+    program.add_option("--home", home, "keep settings, data, caches and log below this folder")->type_name("DIR");
+
+    std::map<const CLI::App*, CommandFunction> functions;
+    for (const CommandRow& row : kCommands) {
+        CLI::App* const options = program.add_subcommand(row.name, row.summary);
+        functions[options] = row.configure(*options);
+    }
+    try {
+        program.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        return program.exit(error) == 0 ? kExitDone : kExitWrongUse;
+    }
+    std::string problem;
+    if (!StartHost(FindPlaces(home), &problem))
+        return Fail(problem);
+    return functions.at(program.get_subcommands().front())();
+}
+
+}  // namespace pavex

@@ -1,0 +1,105 @@
+// client/app/import_command.cpp: pavex import: sources into databases.
+#include <unistd.h>
+
+#include <iostream>
+#include <memory>
+#include <nlohmann/json.hpp>
+
+#include "client/app/command.h"
+#include "client/import/importer.h"
+
+namespace pavex {
+
+namespace {
+
+struct ImportArguments {
+    std::vector<std::string> sources;
+    std::string into;
+    std::string as = "mail";
+    bool prune = false;
+    bool json = false;
+};
+
+void PrintJson(const ImportReport& report)
+{
+    nlohmann::ordered_json rejected = nlohmann::ordered_json::array();
+    for (const RejectedEntry& entry : report.rejected)
+        rejected.push_back({{"source", entry.source}, {"where", entry.where}, {"reason", entry.reason}});
+    const nlohmann::ordered_json json{{"added", report.added},
+                                      {"updated", report.updated},
+                                      {"unchanged", report.unchanged},
+                                      {"removed", report.removed},
+                                      {"rejected", rejected}};
+    std::cout << json.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
+}
+
+void PrintText(const ImportReport& report)
+{
+    for (const RejectedEntry& entry : report.rejected)
+        std::cerr << "pavex: rejected " << entry.where << ": " << entry.reason << '\n';
+    std::cout << report.added << " added, " << report.updated << " updated, " << report.unchanged << " unchanged, "
+              << report.removed << " removed, " << report.rejected.size() << " rejected\n";
+}
+
+// On a terminal alone: one line that is written over.
+class ProgressLine {
+public:
+    explicit ProgressLine(bool wanted) : shown_(wanted && isatty(STDERR_FILENO) != 0) {}
+    ~ProgressLine()
+    {
+        if (drawn_)
+            std::cerr << "\r\033[K";
+    }
+    bool Show(const ImportProgress& progress)
+    {
+        if (shown_) {
+            drawn_ = true;
+            std::cerr << "\r\033[K" << progress.source << ": " << progress.entries << " entries" << std::flush;
+        }
+        return true;
+    }
+
+private:
+    const bool shown_;
+    bool drawn_ = false;
+};
+
+int RunImport(const ImportArguments& arguments)
+{
+    ImportOptions options;
+    options.into = arguments.into.empty() ? "" : DatabasePath(arguments.into);
+    options.as = arguments.as == "discussion" ? ImportOptions::As::kDiscussion : ImportOptions::As::kMail;
+    options.prune = arguments.prune;
+    options.dataDirectory = CurrentPlaces().data;
+    ImportReport report;
+    std::string error;
+    bool imported = false;
+    {
+        ProgressLine line(!arguments.json);
+        imported = Import(
+            arguments.sources, options, [&line](const ImportProgress& progress) { return line.Show(progress); },
+            &report, &error);
+    }
+    if (arguments.json)
+        PrintJson(report);
+    else
+        PrintText(report);
+    return imported ? kExitDone : Fail(error);
+}
+
+}  // namespace
+
+CommandFunction ConfigureImport(CLI::App& options)
+{
+    const auto arguments = std::make_shared<ImportArguments>();
+    options.add_option("SOURCE", arguments->sources, "mailboxes, Maildirs, message files, or folders of them")
+        ->required();
+    options.add_option("--into", arguments->into, "the database to write; default: mail.vlt in the data directory")
+        ->type_name("FILE.vlt");
+    options.add_option("--as", arguments->as, "what the messages become")->check(CLI::IsMember({"mail", "discussion"}));
+    options.add_flag("--prune", arguments->prune, "delete notes whose source entry is gone");
+    options.add_flag("--json", arguments->json, "print the report as one JSON object");
+    return [arguments] { return RunImport(*arguments); };
+}
+
+}  // namespace pavex

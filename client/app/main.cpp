@@ -1,0 +1,13 @@
+// client/app/main.cpp: pavex, the portable client's program.
+#include <exception>
+
+#include "client/app/command.h"
+
+int main(int argc, char** argv)
+{
+    try {
+        return pavex::RunProgram(argc, argv);
+    } catch (const std::exception& error) {
+        return pavex::Fail(error.what());
+    }
+}

@@ -1,0 +1,253 @@
+// client/app/note_command.cpp: pavex note: put, get, list and delete single notes.
+#include <fstream>
+#include <iostream>
+#include <memory>
+
+#include "client/app/command.h"
+#include "client/app/json_input.h"
+#include "client/app/note_json.h"
+#include "client/store/database.h"
+#include "client/store/timedate.h"
+
+namespace pavex {
+
+namespace {
+
+constexpr uint64_t kNotesPerTransaction = 5000;
+
+struct NoteOptions {
+    std::string database;
+    std::string input = "-";
+    std::vector<std::string> ids;
+    bool json = false;
+};
+
+int FailWith(STATUS status, const std::string& path)
+{
+    return Fail(path + ": " + DescribeStatus(status));
+}
+
+std::string UrlOf(const Database& database, const UNID& unid)
+{
+    return "Pavex:///" + HexFromId(database.ReplicaId()) + "//" + HexFromUnid(unid);
+}
+
+std::string FirstText(const Note& note, std::string_view name)
+{
+    const Item* const item = note.Find(name);
+    const auto values = item != nullptr ? TextValues(*item) : std::nullopt;
+    return values && !values->empty() ? values->front() : std::string();
+}
+
+// ---- put -------------------------------------------------------------------------------------
+
+// Notes in transactions of some thousands; a note that cannot be taken is reported, the rest come in.
+class NoteWriter {
+public:
+    NoteWriter(Database* database, std::string source, bool json)
+        : database_(database), source_(std::move(source)), json_(json)
+    {
+    }
+
+    bool Take(const nlohmann::json& value, size_t line, const std::string& error)
+    {
+        Note note;
+        std::string wrong = error;
+        if (!wrong.empty() || !NoteFromJson(value, &note, &wrong)) {
+            Fail(source_ + ":" + std::to_string(line) + ": " + wrong);
+            refused_ = true;
+            return true;
+        }
+        if (const std::optional<uint32_t> known = database_->FindUnid(note.unid))
+            note.id = *known;
+        status_ = Write(&note);
+        if (status_ != 0)
+            return false;
+        Print(note);
+        return true;
+    }
+
+    STATUS Finish()
+    {
+        if (status_ == 0 && inTransaction_ != 0)
+            status_ = database_->Commit();
+        else if (inTransaction_ != 0)
+            database_->Rollback();
+        return status_;
+    }
+
+    bool Refused() const { return refused_; }
+
+private:
+    STATUS Write(Note* note)
+    {
+        if (inTransaction_ == 0)
+            if (const STATUS status = database_->Begin(); status != 0)
+                return status;
+        ++inTransaction_;
+        if (const STATUS status = database_->Put(note); status != 0)
+            return status;
+        if (inTransaction_ < kNotesPerTransaction)
+            return 0;
+        inTransaction_ = 0;
+        return database_->Commit();
+    }
+
+    void Print(const Note& note) const
+    {
+        const std::string url = UrlOf(*database_, note.unid);
+        if (json_)
+            std::cout << nlohmann::ordered_json{{"noteid", note.id}, {"unid", HexFromUnid(note.unid)}, {"url", url}}
+                      << '\n';
+        else
+            std::cout << note.id << '\t' << url << '\n';
+    }
+
+    Database* const database_;
+    const std::string source_;
+    const bool json_;
+    uint64_t inTransaction_ = 0;
+    STATUS status_ = 0;
+    bool refused_ = false;
+};
+
+int Put(const NoteOptions& options)
+{
+    const std::string path = DatabasePath(options.database);
+    std::ifstream file;
+    if (options.input != "-") {
+        file.open(options.input);
+        if (!file)
+            return Fail("cannot read " + options.input);
+    }
+    std::unique_ptr<Database> database;
+    if (const STATUS status = Database::OpenOrCreate(path, "Notes", &database); status != 0)
+        return FailWith(status, path);
+    NoteWriter writer(database.get(), options.input == "-" ? "standard input" : options.input, options.json);
+    ReadJsonValues(options.input == "-" ? std::cin : file,
+                   [&writer](const nlohmann::json& value, size_t line, const std::string& error) {
+                       return writer.Take(value, line, error);
+                   });
+    if (const STATUS status = writer.Finish(); status != 0)
+        return FailWith(status, path);
+    return writer.Refused() ? kExitFailed : kExitDone;
+}
+
+// ---- get, list, delete -----------------------------------------------------------------------
+
+int WithDatabase(const NoteOptions& options, const std::function<int(Database&)>& work)
+{
+    const std::string path = DatabasePath(options.database);
+    std::unique_ptr<Database> database;
+    if (const STATUS status = Database::Open(path, &database); status != 0)
+        return FailWith(status, path);
+    return work(*database);
+}
+
+// A note id in decimal, or a UNID in 32 hexadecimal digits.
+std::optional<uint32_t> FindNote(Database& database, const std::string& name)
+{
+    if (const std::optional<UNID> unid = UnidFromHex(name))
+        return database.FindUnid(*unid);
+    if (name.empty() || name.size() > 10 || name.find_first_not_of("0123456789") != std::string::npos)
+        return std::nullopt;
+    const unsigned long number = std::stoul(name);
+    return number <= 0x7FFFFFFF ? std::optional<uint32_t>(static_cast<uint32_t>(number)) : std::nullopt;
+}
+
+int Get(const NoteOptions& options)
+{
+    return WithDatabase(options, [&options](Database& database) {
+        const std::string& name = options.ids.front();
+        const std::optional<uint32_t> id = FindNote(database, name);
+        Note note;
+        const STATUS status = id ? database.Get(*id, &note) : kStatusNoSuchNote;
+        if (status != 0)
+            return Fail(database.Path() + ": note " + name + ": " + DescribeStatus(status));
+        nlohmann::ordered_json json = JsonFromNote(note);
+        json["noteid"] = note.id;
+        json["url"] = UrlOf(database, note.unid);
+        std::cout << json.dump(options.json ? -1 : 2, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
+        return kExitDone;
+    });
+}
+
+int List(const NoteOptions& options)
+{
+    return WithDatabase(options, [&options](Database& database) {
+        const STATUS listed = database.List([&](const NoteSummary& summary) {
+            Note note;
+            if (const STATUS status = database.Get(summary.id, &note); status != 0) {
+                Fail(database.Path() + ": note " + std::to_string(summary.id) + ": " + DescribeStatus(status));
+                return true;
+            }
+            const std::string form = FirstText(note, "Form");
+            const std::string subject = FirstText(note, "Subject");
+            if (options.json)
+                std::cout << nlohmann::ordered_json{{"noteid", summary.id},
+                                                    {"unid", HexFromUnid(summary.unid)},
+                                                    {"modified", IsoFromTime(summary.modified)},
+                                                    {"form", form},
+                                                    {"subject", subject}}
+                                 .dump(-1, ' ', false, nlohmann::json::error_handler_t::replace)
+                          << '\n';
+            else
+                std::cout << summary.id << '\t' << IsoFromTime(summary.modified) << '\t' << form << '\t' << subject
+                          << '\n';
+            return true;
+        });
+        return listed == 0 ? kExitDone : FailWith(listed, database.Path());
+    });
+}
+
+int Delete(const NoteOptions& options)
+{
+    return WithDatabase(options, [&options](Database& database) {
+        int exit = kExitDone;
+        for (const std::string& name : options.ids) {
+            const std::optional<uint32_t> id = FindNote(database, name);
+            if (const STATUS status = id ? database.Delete(*id) : kStatusNoSuchNote; status != 0)
+                exit = Fail(database.Path() + ": note " + name + ": " + DescribeStatus(status));
+        }
+        return exit;
+    });
+}
+
+struct NoteAction {
+    const char* name;
+    const char* summary;
+    int (*run)(const NoteOptions& options);
+    bool takesInput;
+    int leastIds;  // of notes named on the command line; 0: takes none
+    int mostIds;
+};
+constexpr NoteAction kActions[] = {
+    {"put", "create or replace notes from JSON, one object or one a line", Put, true, 0, 0},
+    {"get", "print a note as the JSON that put takes", Get, false, 1, 1},
+    {"list", "print a line for each note", List, false, 0, 0},
+    {"delete", "delete notes", Delete, false, 1, 1000000},
+};
+
+}  // namespace
+
+CommandFunction ConfigureNote(CLI::App& options)
+{
+    const auto values = std::make_shared<NoteOptions>();
+    const auto chosen = std::make_shared<const NoteAction*>(nullptr);
+    options.require_subcommand(1);
+    for (const NoteAction& action : kActions) {
+        CLI::App* const sub = options.add_subcommand(action.name, action.summary);
+        sub->add_option("--db", values->database, "the database")->type_name("FILE.vlt")->required();
+        sub->add_flag("--json", values->json, "print JSON, one object a line");
+        if (action.takesInput)
+            sub->add_option("INPUT", values->input, "a file of JSON; - or nothing: standard input");
+        if (action.mostIds != 0)
+            sub->add_option("ID", values->ids, "note ids, or UNIDs of 32 hexadecimal digits")
+                ->required()
+                ->expected(action.leastIds, action.mostIds);
+        sub->callback([chosen, &action] { *chosen = &action; });
+    }
+    return [values, chosen] { return (*chosen)->run(*values); };
+}
+
+}  // namespace pavex

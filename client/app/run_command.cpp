@@ -1,0 +1,34 @@
+// client/app/run_command.cpp: pavex run: the client stays, the add-in keeps the metadata up to date.
+#include "client/app/addin_host.h"
+#include "client/app/command.h"
+#include "client/app/signals.h"
+
+namespace pavex {
+
+namespace {
+
+constexpr int kLookAroundMs = 10000;
+
+int Run()
+{
+    HoldSignals();
+    std::string error;
+    const std::unique_ptr<AddIn> addIn = AddIn::Load(&error);
+    if (addIn == nullptr)
+        return Fail(error);
+    if (!addIn->Start())
+        Log("the desktop search add-in shows no menu entry: the administrator's policy locks it or hides it");
+    while (!WaitForSignal(kLookAroundMs)) {
+    }
+    addIn->Stop();
+    return kExitDone;
+}
+
+}  // namespace
+
+CommandFunction ConfigureRun(CLI::App&)
+{
+    return Run;
+}
+
+}  // namespace pavex
