@@ -19,6 +19,8 @@
 namespace pavex {
 
 class Engine;
+class IdTable;
+struct NoteRow;
 
 struct NoteSummary {
     uint32_t id;
@@ -39,15 +41,16 @@ class Database {
 public:
     // path: native (UTF-8) file path.  The status says why not (259, 513, 514, 515, 516, 519, 517);
     // *database is then empty.  Create makes a new file (folders are not made) and fails on an
-    // existing one; OpenOrCreate does whichever fits.
+    // existing one (519); OpenOrCreate does whichever fits.
     static STATUS Open(const std::string& path, std::unique_ptr<Database>* database);
     static STATUS Create(const std::string& path, std::string_view titleUtf8, std::unique_ptr<Database>* database);
-    static STATUS OpenOrCreate(const std::string& path, std::string_view titleUtf8, std::unique_ptr<Database>* database);
+    static STATUS OpenOrCreate(const std::string& path, std::string_view titleUtf8,
+                               std::unique_ptr<Database>* database);
     ~Database();
 
     const std::string& Path() const { return path_; }
-    TIMEDATE ReplicaId() const;
-    std::string Title() const;  // UTF-8
+    TIMEDATE ReplicaId() const { return replica_; }
+    std::string Title() const;  // UTF-8; empty when it cannot be read
     STATUS SetTitle(std::string_view utf8);
 
     // A write transaction: one change stamp for all that is written in it.  Writes outside of one are a
@@ -56,12 +59,18 @@ public:
     STATUS Commit();
     void Rollback();
 
-    // Saves a note; fills in id, unid, sequence and times where they are 0 (sequence counts up).
+    // Saves a note with all of its items; fills in id, unid, sequence and times where they are 0 (sequence
+    // counts up).  An id of 0 with the unid of a note that is there, or was deleted, saves that note.
+    // 549 or 551 for the id of no live note; 595 when a sealed note cannot be encrypted.
     STATUS Put(Note* note);
-    STATUS Get(uint32_t id, Note* note);  // 549, 551; sealed items are left out unless Unseal was called
-    std::optional<uint32_t> FindUnid(const UNID& unid);
-    STATUS Delete(uint32_t id);  // leaves a stub
-    // Calls back in id order; false from the callback ends it.
+    // 549 for a deleted note (its identity filled in), 551 for none, 518 for one that is damaged.  Sealed
+    // items are left out unless Unseal was called; 595 when the key is then missing or does not fit.
+    STATUS Get(uint32_t id, Note* note);
+    void Unseal(bool unseal = true) { unseal_ = unseal; }
+    std::optional<uint32_t> FindUnid(const UNID& unid);  // a live note's
+    STATUS Delete(uint32_t id);                          // leaves a stub
+    // Calls back in id order, with any calls allowed in the callback; false from it ends the walk.  Notes
+    // that are damaged beyond their identity are passed over.
     STATUS List(const std::function<bool(const NoteSummary&)>& callback);
     STATUS CountNotes(uint64_t* count);
 
@@ -73,12 +82,34 @@ public:
     STATUS DeleteSource(std::string_view key);
     STATUS ListSources(std::string_view source, const std::function<bool(const SourceEntry&)>& callback);
 
+    // What the C calls are made of.
+    // Id, identity, and the stored items when withItems; 551 for no note, 0 for a stub.
+    STATUS ReadRow(uint32_t id, bool withItems, NoteRow* row);
+    STATUS ReadValue(uint32_t id, uint32_t position, std::string* value);
+    // See VLTDbGetModifiedNoteTable.
+    STATUS ModifiedNotes(uint16_t classMask, const TIMEDATE& since, TIMEDATE* until, IdTable* table);
+    STATUS UnreadNotes(std::string_view userUtf8, IdTable* table);
+    STATUS FindDesignNote(std::string_view titleUtf8, uint16_t noteClass, uint32_t* id);  // 593
+    // Stamp of the last change of a document, and of anything else; either may be null.
+    STATUS ChangeTimes(TIMEDATE* data, TIMEDATE* design);
+
     Engine& engine() { return *engine_; }
 
 private:
     Database(std::string path, std::unique_ptr<Engine> engine);
+    STATUS Write(const std::function<STATUS()>& work);
+    STATUS TakeStamp(uint16_t noteClass);
+    STATUS Identify(Note* note, NoteRow* row);
+    STATUS SaveNote(Note* note);
+    STATUS SaveStub(uint32_t id);
+
     std::string path_;
     std::unique_ptr<Engine> engine_;
+    std::unique_ptr<struct DatabaseInfo> pending_;  // set while a transaction has a stamp
+    TIMEDATE replica_{};
+    uint64_t stamp_ = 0;  // of the transaction
+    bool inTransaction_ = false;
+    bool unseal_ = false;
 };
 
 // One clear line for a status: "is not a database", "is locked by another program", ...
