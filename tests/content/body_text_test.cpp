@@ -180,10 +180,11 @@ TEST_F(BodyText, ALineLongerThanOneReadKeepsItsCharactersWhole)
         const std::string text = Text(note, "Body");
         EXPECT_EQ(text.find("\uFFFD"), std::string::npos);
         const size_t end = text.find_last_not_of("\r\n") + 1;
-        if (character == "日")
+        if (character == "日") {
             EXPECT_EQ(text.substr(0, end), "x" + line);
-        else
+        } else {
             EXPECT_EQ(text.find_first_not_of(character, 1), end);
+        }
     }
 }
 

@@ -152,8 +152,9 @@ TEST_F(NoteContents, AnySingleFailureLeavesNoHandleOpen)
                 SCOPED_TRACE(plan.Name());
                 EXPECT_EQ(pavex::OpenHandles(), handles);
             }
-            if (!fired)
+            if (!fired) {
                 EXPECT_TRUE(done);
+            }
         }
     }
     // A file that could not be read back, or not be deleted, was left; nothing else is.

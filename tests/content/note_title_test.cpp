@@ -129,8 +129,9 @@ TEST_F(NoteTitle, AnySingleFailureLeavesNoHandleAndATitleOrNone)
         const std::string text = title;
         EXPECT_EQ(text.size(), length);
         EXPECT_TRUE(text.empty() || text == "its own" || text == "of the form") << text;
-        if (!fired)
+        if (!fired) {
             EXPECT_EQ(text, "of the form");
+        }
     }
 }
 

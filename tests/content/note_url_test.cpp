@@ -129,10 +129,11 @@ TEST(Cookies, StayInsideEverySize)
         std::string buffer(64, '\x55');
         const WORD length = GetCookies(false, buffer.data(), size);
         EXPECT_EQ(buffer.substr(size), std::string(64u - size, '\x55')) << size;
-        if (size == 0)
+        if (size == 0) {
             EXPECT_EQ(length, 0);
-        else
+        } else {
             EXPECT_EQ(std::string(buffer.c_str()), whole.substr(0, size - 1u)) << size;
+        }
     }
 }
 

@@ -67,8 +67,9 @@ TEST(JoinParts, StaysInsideEverySizeAndKeepsCharactersAndSeparatorsWhole)
         EXPECT_EQ(join.text, whole.substr(0, join.text.size()));
         EXPECT_EQ(pavex::ScsPrefix(whole, join.text.size()), join.text.size()) << "size " << size;
         EXPECT_NE(join.text, first + ",") << "size " << size;
-        if (size > whole.size())
+        if (size > whole.size()) {
             EXPECT_EQ(join.text, whole);
+        }
     }
 }
 
