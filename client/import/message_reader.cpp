@@ -1,0 +1,147 @@
+// client/import/message_reader.cpp: one file, one message.
+#include "client/import/message_reader.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <memory>
+
+#include <fcntl.h>
+#include <strings.h>
+
+#include "client/import/mail_date.h"
+#include "client/import/message_note.h"
+
+namespace pavex {
+namespace {
+
+// A header larger than this would have to be held in memory to be parsed, and says nothing.
+constexpr uint64_t kLargestHeader = 16 * 1024 * 1024;
+
+bool HasSuffix(std::string_view path, std::string_view suffix)
+{
+    return path.size() >= suffix.size() &&
+           strncasecmp(path.data() + path.size() - suffix.size(), suffix.data(), suffix.size()) == 0;
+}
+
+// What may stand before the header: a byte order mark, empty lines, a separator line of an mbox.
+bool IsBeforeHeader(const Line& line)
+{
+    return line.text.empty() || line.text == "\xEF\xBB\xBF" || line.text.starts_with("From ");
+}
+
+std::string WhyNoMessage(const MessagePlace& place)
+{
+    if (place.start == place.end)
+        return "is empty";
+    if (place.facts.headerFields == 0)
+        return "is not a message: it has no header fields";
+    if (place.facts.headerBytes > kLargestHeader)
+        return "has a header of more than 16 MB";
+    return {};
+}
+
+// "as" and what the mailbox says of drafts make different notes of equal bytes.
+std::string NoteDigest(const MessagePlace& place, const ImportOptions& options)
+{
+    std::string digest = place.facts.digest;
+    digest += options.as == ImportOptions::As::kDiscussion ? "-discussion" : "-mail";
+    return place.draft ? digest + "-draft" : digest;
+}
+
+}  // namespace
+
+bool LooksLikeMessage(const SourceFile& file)
+{
+    if (file.place == SourceFile::Place::kMaildir || HasSuffix(file.path, ".eml"))
+        return true;
+    std::string_view head = file.head;
+    if (head.starts_with("\xEF\xBB\xBF"))
+        head.remove_prefix(3);
+    MessageScan scan;
+    Line line;
+    bool first = true;
+    while (!head.empty()) {
+        const size_t end = std::min(head.find_first_of("\r\n"), head.size());
+        line.text = head.substr(0, end);
+        const bool crlf = head.substr(end).starts_with("\r\n");
+        head.remove_prefix(std::min(end + (crlf ? 2 : 1), head.size()));
+        if (line.text.empty() && first)
+            continue;
+        if (line.text.empty())
+            break;
+        if (first && !IsHeaderLine(line.text) && !line.text.starts_with("From ") && !line.text.starts_with(">From "))
+            return false;
+        first = false;
+        scan.Add(line);
+    }
+    const MessageFacts facts = scan.Finish();
+    // Two of them: a script's comment or a table of settings easily begins like one.
+    return facts.mailFields >= (file.place == SourceFile::Place::kNamed ? 1U : 2U);
+}
+
+bool HandOutMessage(MessagePlace place, const ImportOptions& options, EntryHandler& handler)
+{
+    place.draft = place.draft || place.facts.draft;
+    if (place.facts.deleted || place.facts.mailboxRecord)
+        return true;  // the mailbox only waits to be rid of it, or wrote it for itself
+    if (const std::string reason = WhyNoMessage(place); !reason.empty())
+        return handler.Rejected(place.Where(), reason);
+    SourceEntryFound entry;
+    entry.kind = EntryKind::kMail;
+    entry.digest = NoteDigest(place, options);
+    entry.identity = "message:" + (place.facts.messageId.empty() ? "sha256:" + entry.digest : place.facts.messageId);
+    entry.where = place.Where();
+    entry.unread = place.unread ? place.unread : place.facts.unread;
+    auto kept = std::make_shared<const MessagePlace>(std::move(place));
+    entry.make = [kept, as = options.as](Note* note, std::string* reason) {
+        return MakeMessageNote(*kept, as, note, reason);
+    };
+    return handler.Found(std::move(entry));
+}
+
+bool ReadMessage(const SourceFile& file, const ImportOptions& options, EntryHandler& handler)
+{
+    MessagePlace place;
+    place.path = file.path;
+    place.end = file.size;
+    place.fileDate = file.modified;
+    place.unread = file.unread;
+    place.draft = file.draft;
+    const FileOwner descriptor(::open(file.path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY));
+    if (!descriptor) {
+        handler.Unreadable(file.path, std::string("cannot be opened: ") + std::strerror(errno));
+        return true;
+    }
+    LineReader lines(descriptor.Get(), file.head.starts_with("\xEF\xBB\xBF") ? 3 : 0, file.size);
+    MessageScan scan;
+    Line line;
+    bool begun = false;
+    uint64_t reported = 0;
+    place.start = place.end;
+    while (lines.Next(&line)) {
+        if (!begun && IsBeforeHeader(line)) {
+            if (const std::optional<int64_t> date = ReadFromLine(line.text))
+                place.deliveryDate = date;
+            continue;
+        }
+        if (!begun)
+            place.start = line.offset;
+        begun = true;
+        scan.Add(line);
+        constexpr uint64_t kProgressBytes = 8 * 1024 * 1024;
+        if (line.endOffset - reported >= kProgressBytes) {
+            if (!handler.Progress(line.endOffset - reported))
+                return false;
+            reported = line.endOffset;
+        }
+    }
+    if (lines.Error() != 0) {
+        handler.Unreadable(file.path, std::string("cannot be read: ") + std::strerror(lines.Error()));
+        return true;
+    }
+    place.facts = scan.Finish();
+    return HandOutMessage(std::move(place), options, handler) && handler.Progress(file.size - reported);
+}
+
+}  // namespace pavex

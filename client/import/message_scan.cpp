@@ -1,0 +1,229 @@
+// client/import/message_scan.cpp: digest, identity and flags of a message, from its lines.
+#include "client/import/message_scan.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstring>
+#include <iterator>
+
+#include <strings.h>
+
+namespace pavex {
+namespace {
+
+constexpr size_t kFieldBytesKept = 2000;
+constexpr size_t kLongestId = 500;
+// Ordinary mail has a few dozen lines that begin with "--"; a part is a kilobyte of memory in the parser.
+constexpr uint64_t kMostDashLines = 50000;
+
+bool SameName(std::string_view a, const char* b)
+{
+    return a.size() == std::strlen(b) && strncasecmp(a.data(), b, a.size()) == 0;
+}
+
+std::string_view Trimmed(std::string_view text)
+{
+    while (!text.empty() && static_cast<unsigned char>(text.front()) <= ' ')
+        text.remove_prefix(1);
+    while (!text.empty() && static_cast<unsigned char>(text.back()) <= ' ')
+        text.remove_suffix(1);
+    return text;
+}
+
+void TakeMessageId(std::string_view value, MessageFacts* facts)
+{
+    if (!facts->messageId.empty())
+        return;
+    const size_t open = value.find('<');
+    const size_t close = value.find('>', open == value.npos ? 0 : open);
+    if (open != value.npos && close != value.npos)
+        value = value.substr(open + 1, close - open - 1);
+    for (const char c : value.substr(0, kLongestId)) {
+        if (static_cast<unsigned char>(c) > ' ')
+            facts->messageId += c;
+    }
+}
+
+// "R" read, "O" seen by the mail program; as Unix mail programs keep it.
+void TakeStatus(std::string_view value, MessageFacts* facts)
+{
+    facts->unread = value.find('R') == value.npos;
+}
+
+void TakeXStatus(std::string_view value, MessageFacts* facts)
+{
+    facts->draft = facts->draft || value.find('T') != value.npos;
+    facts->deleted = facts->deleted || value.find('D') != value.npos;
+}
+
+void TakeMozillaStatus(std::string_view value, MessageFacts* facts)
+{
+    constexpr unsigned kRead = 0x0001;
+    constexpr unsigned kExpunged = 0x0008;
+    value = Trimmed(value);
+    unsigned flags = 0;
+    if (std::from_chars(value.data(), value.data() + value.size(), flags, 16).ec != std::errc())
+        return;
+    facts->unread = (flags & kRead) == 0;
+    facts->deleted = facts->deleted || (flags & kExpunged) != 0;
+}
+
+void TakeContentLength(std::string_view value, MessageFacts* facts)
+{
+    value = Trimmed(value);
+    uint64_t length = 0;
+    if (std::from_chars(value.data(), value.data() + value.size(), length).ec == std::errc())
+        facts->contentLength = length;
+}
+
+void TakeMailboxRecord(std::string_view, MessageFacts* facts)
+{
+    facts->mailboxRecord = true;
+}
+
+void Nothing(std::string_view, MessageFacts*) {}
+
+struct FieldRow {
+    const char* name;
+    bool inDigest;  // false: kept by the mailbox, not sent by anybody
+    bool onlyMail;  // its presence says that this is a message
+    void (*take)(std::string_view value, MessageFacts* facts);
+};
+constexpr FieldRow kFields[] = {
+    {"Message-ID", true, true, TakeMessageId},
+    {"From", true, true, Nothing},
+    {"To", true, true, Nothing},
+    {"Cc", true, true, Nothing},
+    {"Date", true, true, Nothing},
+    {"Received", true, true, Nothing},
+    {"Return-Path", true, true, Nothing},
+    {"Delivered-To", true, true, Nothing},
+    {"Subject", true, true, Nothing},
+    {"Sender", true, true, Nothing},
+    {"Reply-To", true, true, Nothing},
+    {"MIME-Version", true, true, Nothing},
+    {"Content-Type", true, true, Nothing},
+    {"Status", false, false, TakeStatus},
+    {"X-Status", false, false, TakeXStatus},
+    {"X-Mozilla-Status", false, false, TakeMozillaStatus},
+    {"X-Mozilla-Status2", false, false, Nothing},
+    {"X-Mozilla-Keys", false, false, Nothing},
+    {"X-Keywords", false, false, Nothing},
+    {"X-UID", false, false, Nothing},
+    {"X-IMAP", false, false, TakeMailboxRecord},
+    {"X-IMAPbase", false, false, Nothing},
+    {"Content-Length", false, false, TakeContentLength},
+    {"Lines", false, false, Nothing},
+};
+
+const FieldRow* FindField(std::string_view name)
+{
+    const auto* row = std::find_if(std::begin(kFields), std::end(kFields),
+                                   [&](const FieldRow& each) { return SameName(name, each.name); });
+    return row == std::end(kFields) ? nullptr : row;
+}
+
+size_t NameLength(std::string_view line)
+{
+    size_t length = 0;
+    while (length < line.size() && line[length] > ' ' && line[length] != ':' && line[length] != 0x7F)
+        ++length;
+    return length;
+}
+
+// Number of '>' before "From " at the front; npos when there is no such line.
+size_t QuoteDepth(std::string_view line)
+{
+    const size_t depth = std::min(line.find_first_not_of('>'), line.size());
+    return line.substr(depth).starts_with("From ") ? depth : line.npos;
+}
+
+}  // namespace
+
+bool IsHeaderLine(std::string_view line)
+{
+    const size_t length = NameLength(line);
+    if (length == 0 || length > 200)
+        return false;
+    const size_t colon = line.find_first_not_of(" \t", length);
+    return colon != line.npos && line[colon] == ':';
+}
+
+MessageScan::MessageScan() : checksum_(g_checksum_new(G_CHECKSUM_SHA256)) {}
+
+void MessageScan::Hash(std::string_view bytes)
+{
+    g_checksum_update(checksum_.get(), reinterpret_cast<const guchar*>(bytes.data()),
+                      static_cast<gssize>(bytes.size()));
+}
+
+void MessageScan::Add(const Line& line)
+{
+    if (!facts_.headerEnded && line.starts && line.text.empty() && line.ends) {
+        TakeField();
+        facts_.headerEnded = true;
+    }
+    if (!facts_.headerEnded)
+        AddHeaderLine(line);
+    if (line.text.empty() && line.starts) {
+        ++pendingBlanks_;
+        return;
+    }
+    if (leftOut_ && !facts_.headerEnded)
+        return;
+    std::string_view text = line.text;
+    if (line.starts) {
+        if (const size_t depth = QuoteDepth(text); depth != text.npos) {
+            facts_.quotedFrom = facts_.quotedFrom || depth > 0;
+            text.remove_prefix(depth);
+        }
+        if (text.starts_with("--") && ++dashLines_ > kMostDashLines && facts_.boundaryFlood == 0)
+            facts_.boundaryFlood = line.offset;
+        // A line break for each line before this one: those at the end of the message are never hashed.
+        for (uint64_t lines = pendingBlanks_ + (anyLine_ ? 1 : 0); lines > 0; --lines)
+            Hash("\n");
+        pendingBlanks_ = 0;
+        anyLine_ = true;
+    }
+    Hash(text);
+}
+
+void MessageScan::AddHeaderLine(const Line& line)
+{
+    facts_.headerBytes += line.text.size() + 1;
+    facts_.nulInHeader = facts_.nulInHeader || line.text.find('\0') != line.text.npos;
+    const bool continues = !line.starts || line.text.starts_with(' ') || line.text.starts_with('\t');
+    if (!continues) {
+        TakeField();
+        leftOut_ = false;
+        if (IsHeaderLine(line.text)) {
+            ++facts_.headerFields;
+            const FieldRow* row = FindField(line.text.substr(0, NameLength(line.text)));
+            leftOut_ = row != nullptr && !row->inDigest;
+            facts_.mailFields += row != nullptr && row->onlyMail;
+        }
+    }
+    if (field_.size() < kFieldBytesKept)
+        field_ += line.text.substr(0, kFieldBytesKept - field_.size());
+}
+
+void MessageScan::TakeField()
+{
+    const std::string_view field = field_;
+    if (IsHeaderLine(field)) {
+        const FieldRow* row = FindField(field.substr(0, NameLength(field)));
+        if (row != nullptr)
+            row->take(Trimmed(field.substr(field.find(':') + 1)), &facts_);
+    }
+    field_.clear();
+}
+
+MessageFacts MessageScan::Finish()
+{
+    if (!facts_.headerEnded)
+        TakeField();
+    facts_.digest = g_checksum_get_string(checksum_.get());
+    return std::move(facts_);
+}
+
+}  // namespace pavex

@@ -1,0 +1,202 @@
+// client/import/source_walk.cpp: folders, entered one after the other from a list, never by recursion.
+#include "client/import/source_walk.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <memory>
+#include <set>
+#include <utility>
+#include <vector>
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include "client/import/owners.h"
+
+namespace pavex {
+namespace {
+
+// Control files of mail servers and programs, by the beginning or the end of the name.
+constexpr const char* kControlPrefixes[] = {"dovecot",     "courier",       "maildirfolder",
+                                            "maildirsize", "subscriptions", "cyrus."};
+constexpr const char* kControlSuffixes[] = {".msf", ".cmeta", ".ibex.index", ".ibex.index.data", ".index.ids", ".lock"};
+
+struct FolderCloser {
+    void operator()(DIR* folder) const { ::closedir(folder); }
+};
+
+enum class FolderKind { kPlain, kMaildirCur, kMaildirNew };
+
+struct PendingFolder {
+    std::string path;
+    FolderKind kind;
+};
+
+bool IsFolder(const std::string& path)
+{
+    struct stat info {};
+    return ::stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
+}
+
+bool IsControlFile(std::string_view name)
+{
+    return std::any_of(std::begin(kControlPrefixes), std::end(kControlPrefixes),
+                       [&](const char* prefix) { return name.starts_with(prefix); }) ||
+           std::any_of(std::begin(kControlSuffixes), std::end(kControlSuffixes),
+                       [&](const char* suffix) { return name.ends_with(suffix); });
+}
+
+class Walk {
+public:
+    explicit Walk(const WalkHandler& handler) : handler_(handler) {}
+
+    bool Run(const std::string& path)
+    {
+        if (!IsFolder(path))
+            return VisitFile(path, SourceFile::Place::kNamed, FolderKind::kPlain);
+        pending_.push_back({path, FolderKind::kPlain});
+        while (!pending_.empty()) {
+            const PendingFolder folder = std::move(pending_.back());
+            pending_.pop_back();
+            if (!VisitFolder(folder))
+                return false;
+        }
+        return true;
+    }
+
+private:
+    bool VisitFolder(const PendingFolder& folder)
+    {
+        struct stat info {};
+        if (::stat(folder.path.c_str(), &info) != 0 || !entered_.emplace(info.st_dev, info.st_ino).second)
+            return true;
+        std::vector<std::string> names;
+        if (!ListNames(folder.path, &names))
+            return true;
+        const bool maildir =
+            folder.kind == FolderKind::kPlain && (IsFolder(folder.path + "/cur") || IsFolder(folder.path + "/new"));
+        std::vector<PendingFolder> folders;
+        for (const std::string& name : names) {
+            const std::string path = folder.path + "/" + name;
+            if (IsFolder(path))
+                NoteFolder(path, name, maildir, &folders);
+            else if (!VisitNamed(path, name, folder.kind))
+                return false;
+        }
+        pending_.insert(pending_.end(), folders.rbegin(), folders.rend());  // the last is entered next
+        return true;
+    }
+
+    static void NoteFolder(const std::string& path, const std::string& name, bool maildir,
+                           std::vector<PendingFolder>* folders)
+    {
+        // Folders that begin with a dot are those of a Maildir, or none of the user's.
+        if (maildir && name == "tmp")
+            return;
+        if (name.starts_with('.') && !IsFolder(path + "/cur") && !IsFolder(path + "/new"))
+            return;
+        FolderKind kind = FolderKind::kPlain;
+        if (maildir && name == "cur")
+            kind = FolderKind::kMaildirCur;
+        else if (maildir && name == "new")
+            kind = FolderKind::kMaildirNew;
+        folders->push_back({path, kind});
+    }
+
+    bool VisitNamed(const std::string& path, const std::string& name, FolderKind kind)
+    {
+        if (name.starts_with('.') || IsControlFile(name))
+            return true;
+        const bool inMaildir = kind != FolderKind::kPlain;
+        if (inMaildir && ReadMaildirFlags(name).trashed)
+            return true;
+        return VisitFile(path, inMaildir ? SourceFile::Place::kMaildir : SourceFile::Place::kFolder, kind);
+    }
+
+    bool VisitFile(const std::string& path, SourceFile::Place place, FolderKind kind)
+    {
+        SourceFile file;
+        file.path = path;
+        file.place = place;
+        // Not blocking: a pipe among the files must not hold the import up.
+        const FileOwner descriptor(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK));
+        struct stat info {};
+        if (!descriptor || ::fstat(descriptor.Get(), &info) != 0) {
+            handler_.unreadable(path, std::string("cannot be opened: ") + std::strerror(errno));
+            return true;
+        }
+        if (!S_ISREG(info.st_mode)) {
+            handler_.unreadable(path, "is neither a file nor a folder");
+            return true;
+        }
+        file.size = static_cast<uint64_t>(info.st_size);
+        file.modified = info.st_mtime;
+        if (file.size == 0 && place == SourceFile::Place::kFolder && !path.ends_with(".eml"))
+            return true;
+        if (!ReadHead(descriptor.Get(), &file)) {
+            handler_.unreadable(path, std::string("cannot be read: ") + std::strerror(errno));
+            return true;
+        }
+        if (place == SourceFile::Place::kMaildir) {
+            const MaildirFlags flags = ReadMaildirFlags(path.substr(path.rfind('/') + 1));
+            file.unread = kind == FolderKind::kMaildirNew || !flags.seen;
+            file.draft = flags.draft;
+        }
+        return handler_.file(file);
+    }
+
+    static bool ReadHead(int descriptor, SourceFile* file)
+    {
+        file->head.resize(kHeadBytes);
+        const ssize_t count = ::pread(descriptor, file->head.data(), file->head.size(), 0);
+        file->head.resize(count > 0 ? static_cast<size_t>(count) : 0);
+        return count >= 0;
+    }
+
+    bool ListNames(const std::string& path, std::vector<std::string>* names)
+    {
+        const std::unique_ptr<DIR, FolderCloser> folder(::opendir(path.c_str()));
+        if (!folder) {
+            handler_.unreadable(path, std::string("cannot be opened: ") + std::strerror(errno));
+            return false;
+        }
+        errno = 0;
+        while (const dirent* entry = ::readdir(folder.get())) {
+            const std::string_view name = entry->d_name;
+            if (name != "." && name != "..")
+                names->emplace_back(name);
+        }
+        if (errno != 0)
+            handler_.unreadable(path, std::string("cannot be read to its end: ") + std::strerror(errno));
+        std::sort(names->begin(), names->end());
+        return true;
+    }
+
+    const WalkHandler& handler_;
+    std::vector<PendingFolder> pending_;
+    std::set<std::pair<dev_t, ino_t>> entered_;
+};
+
+}  // namespace
+
+MaildirFlags ReadMaildirFlags(std::string_view fileName)
+{
+    MaildirFlags flags;
+    const size_t info = fileName.rfind("2,");
+    if (info == fileName.npos || info == 0 || std::string_view(":;!").find(fileName[info - 1]) == fileName.npos)
+        return flags;
+    const std::string_view letters = fileName.substr(info + 2);
+    flags.seen = letters.find('S') != letters.npos;
+    flags.draft = letters.find('D') != letters.npos;
+    flags.trashed = letters.find('T') != letters.npos;
+    return flags;
+}
+
+bool WalkSource(const std::string& path, const WalkHandler& handler)
+{
+    return Walk(handler).Run(path);
+}
+
+}  // namespace pavex
