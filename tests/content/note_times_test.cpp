@@ -85,13 +85,25 @@ TEST(TIMEDATEtoUTC, WithoutADateThereIsNoTime)
     EXPECT_EQ(out, kUntouched);
 }
 
-TEST(TIMEDATEtoUTC, TheYearKeepsItsLow16Bits)
+TEST(TIMEDATEtoUTC, ConvertsTheLastDayOfAll)
 {
-    // A day whose year does not fit comes out in another year, written whether or not it is valid.
-    const TIMEDATE far{{0, 0x00FFFFFE}};
+    const TIMEDATE time{{0, 0x00FFFFFE}};
     double out = kUntouched;
-    static_cast<void>(TIMEDATEtoUTC(&far, out));
-    EXPECT_NE(out, kUntouched);
+    EXPECT_TRUE(TIMEDATEtoUTC(&time, out));
+    EXPECT_EQ(out, AbsoluteDay(std::chrono::sys_days(std::chrono::days(0x00FFFFFE - kJulianDayOf1970))));
+}
+
+TEST(TIMEDATEtoUTC, AYearBeforeTheFirstKeepsItsLow16Bits)
+{
+    // Day 0 lies in the year -4713, whose low 16 bits are 60823; that is a hundred cycles after 20823.
+    const std::chrono::year_month_day first(std::chrono::sys_days(std::chrono::days(-kJulianDayOf1970)));
+    ASSERT_EQ(static_cast<int>(first.year()), -4713);
+    const auto wrapped = Day(20823, static_cast<unsigned>(first.month()), static_cast<unsigned>(first.day())) +
+                         std::chrono::days(100 * 146097);
+    const TIMEDATE time{{0, 0}};
+    double out = kUntouched;
+    EXPECT_TRUE(TIMEDATEtoUTC(&time, out));
+    EXPECT_EQ(out, AbsoluteDay(wrapped));
 }
 
 using NoteTimes = NoteFixture;
