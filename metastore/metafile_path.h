@@ -7,7 +7,7 @@
 #include "platform/foundation.h"
 
 // The extensions by event type, which is also the order in which a removal tries them.
-constexpr const char* kMetafileExtensions[] = {
+inline constexpr const char* kMetafileExtensions[] = {
     "vPavexMessage", "vPavexCalendar",   "vPavexTask",    "vPavexContact",
     "vPavexJournal", "vPavexDiscussion", "vPavexHistory", "vPavexNote",
 };

@@ -5,6 +5,7 @@
 
 #include <cerrno>
 #include <string>
+#include <string_view>
 
 #include "metastore/metafile_path.h"
 #include "platform/posix.h"
@@ -37,7 +38,7 @@ bool ReplaceMetafile(const SearchEngineEvent& event, const std::string& path, co
 }
 
 // A note whose form changed has a metafile of another kind, which would be found beside the new one.
-void RemoveOtherKinds(const std::string& note, const char* keptExtension)
+void RemoveOtherKinds(const std::string& note, std::string_view keptExtension)
 {
     for (const char* extension : kMetafileExtensions) {
         if (extension != keptExtension)
@@ -109,8 +110,8 @@ SearchEngineResult SearchEngine::SendEvent(const SearchEngineEvent& event, int /
     const std::string path = FileSystemPath(url.Get());
     if (path.empty())
         return kSearchEngineNoError;
-    const char* const extension = MetafileExtension(event.Type());
-    const std::string note = path.substr(0, path.size() - std::char_traits<char>::length(extension) - 1);
+    const std::string_view extension = MetafileExtension(event.Type());
+    const std::string note = path.substr(0, path.size() - extension.size() - 1);
     if (ReplaceMetafile(event, path, TemporaryMetafile(note))) {
         RemoveOtherKinds(note, extension);
         Touch(path);
