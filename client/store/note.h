@@ -41,6 +41,9 @@ std::optional<std::vector<std::string>> TextValues(const Item& item);  // text o
 std::optional<double> NumberValue(const Item& item);                   // number, or first of a range
 std::optional<std::vector<TIMEDATE>> TimeValues(const Item& item);     // time or time range
 
+// Names are ASCII and compared without regard to case.
+bool SameItemName(std::string_view a, std::string_view b);
+
 struct Note {
     uint32_t id = 0;  // 0: not yet saved
     UNID unid{};      // all zero: made when it is saved

@@ -1,0 +1,65 @@
+// client/store/sqlite_file.cpp: makes a database file.
+// It is written under another name and linked to its own when it is whole, so that neither a crash nor
+// a second process that makes the same one leaves something that is not a database.
+#include <unistd.h>
+
+#include <atomic>
+#include <cerrno>
+#include <cstdio>
+
+#include "client/store/sqlite_engine.h"
+#include "client/store/status.h"
+
+namespace pavex {
+namespace {
+
+STATUS WriteEmptyDatabase(const std::string& path, const DatabaseInfo& info)
+{
+    std::unique_ptr<Connection> connection;
+    if (const STATUS status = Connection::CreateFile(path, &connection); status != 0)
+        return status;
+    const std::string numbers = "PRAGMA application_id=" + std::to_string(kApplicationId) +
+                                "; PRAGMA user_version=" + std::to_string(kSchemaVersion) + ";";
+    for (const std::string& step : {numbers, std::string(kSchema), std::string("PRAGMA journal_mode=WAL;")}) {
+        if (const STATUS status = connection->Execute(step); status != 0)
+            return status;
+    }
+    connection.reset();  // moves the log into the file
+
+    std::unique_ptr<Engine> engine;
+    const STATUS status = SqliteEngine::Open(path, &engine);
+    return status != 0 ? status : engine->WriteInfo(info);
+}
+
+// Gives the file its name; 519 when there is one of that name.
+STATUS Publish(const std::string& from, const std::string& to)
+{
+    if (link(from.c_str(), to.c_str()) == 0)
+        return 0;
+    if (errno == EEXIST)
+        return kStatusNoAccess;
+    if (errno != EPERM && errno != EOPNOTSUPP)
+        return StatusOfErrno(errno);
+    // A file system without links: a race is not noticed there, a crash still harmless.
+    if (access(to.c_str(), F_OK) == 0)
+        return kStatusNoAccess;
+    return rename(from.c_str(), to.c_str()) == 0 ? kStatusOk : StatusOfErrno(errno);
+}
+
+}  // namespace
+
+STATUS SqliteEngine::Create(const std::string& path, const DatabaseInfo& info)
+{
+    if (access(path.c_str(), F_OK) == 0)
+        return kStatusNoAccess;
+    static std::atomic<unsigned> count{0};
+    const std::string beside = path + "." + std::to_string(getpid()) + "-" + std::to_string(++count) + ".new";
+    STATUS status = WriteEmptyDatabase(beside, info);
+    if (status == 0)
+        status = Publish(beside, path);
+    for (const char* suffix : {"", "-wal", "-shm", "-journal"})
+        (void)unlink((beside + suffix).c_str());  // most are not there
+    return status;
+}
+
+}  // namespace pavex
