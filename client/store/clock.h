@@ -41,8 +41,8 @@ public:
 
     // Runs `action` when the timer reaches the given value (of the unwrapped timer).
     void At(uint64_t timerMilliseconds, std::function<void()> action);
-    void Advance(uint32_t milliseconds);   // as Delay, not counted as one
-    uint64_t Delays() const;               // delays so far
+    void Advance(uint32_t milliseconds);  // as Delay, not counted as one
+    uint64_t Delays() const;              // delays so far
     uint64_t Preempts() const;
 
 private:

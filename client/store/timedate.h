@@ -28,9 +28,9 @@ std::string IsoFromTime(const TIMEDATE& time);
 std::optional<TIMEDATE> TimeFromIso(std::string_view text);
 
 bool operator==(const UNID& a, const UNID& b);
-std::string HexFromId(const TIMEDATE& id);        // 16 upper-case digits, as "%H" prints it
+std::string HexFromId(const TIMEDATE& id);  // 16 upper-case digits, as "%H" prints it
 std::optional<TIMEDATE> IdFromHex(std::string_view hex);
-std::string HexFromUnid(const UNID& unid);        // 32 digits: file part, note part
+std::string HexFromUnid(const UNID& unid);  // 32 digits: file part, note part
 std::optional<UNID> UnidFromHex(std::string_view hex);
 
 }  // namespace pavex
