@@ -17,8 +17,8 @@ namespace pavex {
 constexpr uint16_t kRecordParagraph = 0xFF81;  // starts a paragraph; no payload
 constexpr uint16_t kRecordText = 0xFF85;       // DWORD style, DWORD font, WORD text bytes, the text, a pad byte if odd
 constexpr uint16_t kRecordRule = 0xFF8A;       // a horizontal rule; no payload
-constexpr uint16_t kRecordLink = 0xFFF6;       // -10: a LINKRECORD, its variable parts, the NOTELINK, then the label as SCS to
-                                               // the record's end, NUL-padded to an even length
+constexpr uint16_t kRecordLink = 0xFFF6;  // -10: a LINKRECORD, its variable parts, the NOTELINK, then the label as SCS
+                                          // to the record's end, NUL-padded to an even length
 
 // Builds the records of a value (type word not included).  Text is UTF-8.  A paragraph of any length: it
 // is split over as many text records as it takes.
