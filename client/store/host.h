@@ -12,11 +12,11 @@ namespace pavex {
 
 // Where things are; native paths.
 struct Places {
-    std::string ini;      // pavex.ini
-    std::string policy;   // policy.ini
-    std::string data;     // data directory
-    std::string caches;   // the user's caches folder; empty: none
-    std::string log;      // pavex.log
+    std::string ini;     // pavex.ini
+    std::string policy;  // policy.ini
+    std::string data;    // data directory
+    std::string caches;  // the user's caches folder; empty: none
+    std::string log;     // pavex.log
 };
 // homeOption: --home, else $PAVEX_HOME, else the XDG folders.
 Places FindPlaces(const std::string& homeOption);
@@ -52,7 +52,7 @@ bool RemoveVariable(const std::string& name);
 struct LogEntry {
     uint32_t id;
     STATUS status;
-    std::string text;  // UTF-8, arguments filled in
+    std::string text;                                           // UTF-8, arguments filled in
     std::vector<std::variant<std::string, int64_t>> arguments;  // text UTF-8; times in their text form
 };
 void SetLogObserver(std::function<bool(const LogEntry&)> observer);

@@ -1,0 +1,62 @@
+// client/store/files.cpp: temporary files and the removal of files.
+#include <fcntl.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+#include "client/store/charset.h"
+#include "client/store/descriptor.h"
+#include "client/store/handle_table.h"
+#include "client/store/status.h"
+#include "platform/store.h"
+
+namespace {
+
+using namespace pavex;
+
+HandleTable<Descriptor>& Files()
+{
+    static HandleTable<Descriptor> files;
+    return files;
+}
+
+std::string TemporaryFolder()
+{
+    const char* const folder = std::getenv("TMPDIR");
+    return folder != nullptr && *folder == '/' ? folder : "/tmp";
+}
+
+}  // namespace
+
+STATUS OSCreateTempFile(char* name, WORD size, DWORD* file)
+{
+    *file = 0;
+    std::string native = TemporaryFolder() + "/pavex-XXXXXX";
+    auto open = std::make_unique<Descriptor>(mkostemp(native.data(), O_CLOEXEC));  // mode 0600
+    if (!open->IsOpen())
+        return StatusOfErrno(errno);
+    const std::string scs = ScsFromUtf8(native);
+    if (scs.size() >= size) {
+        unlink(native.c_str());
+        return kStatusBadText;
+    }
+    std::memcpy(name, scs.c_str(), scs.size() + 1);
+    *file = Files().Add(std::move(open));
+    return kStatusOk;
+}
+
+STATUS OSCloseFile(DWORD file)
+{
+    const auto open = Files().Remove(file);
+    if (open == nullptr)
+        return kStatusBadHandle;
+    const int error = open->Close();
+    return error == 0 ? kStatusOk : StatusOfErrno(error);
+}
+
+STATUS OSFileDelete(const char* name)
+{
+    return unlink(Utf8FromScs(name).c_str()) == 0 ? kStatusOk : StatusOfErrno(errno);
+}
