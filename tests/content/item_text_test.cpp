@@ -120,16 +120,16 @@ TEST_F(ItemText, CutsALongTextAtTheLimitAndBetweenCharacters)
         text += "日";
     const NOTEHANDLE note = Open({pavex::TextItem("Subject", text), pavex::TextItem("Ascii", std::string(40000, 'x'))});
     EXPECT_EQ(IndexItem(note, kIndexText, "Subject", "subject", event_, false), 0);
-    EXPECT_EQ(Property("subject"), text.substr(0, 32767 / 3 * 3));
+    EXPECT_TRUE(Property("subject") == text.substr(0, 32767 / 3 * 3));
     EXPECT_EQ(IndexItem(note, kIndexText, "Ascii", "ascii", event_, false), 0);
-    EXPECT_EQ(Property("ascii"), std::string(32767, 'x'));
+    EXPECT_TRUE(Property("ascii") == std::string(32767, 'x'));
 }
 
 TEST_F(ItemText, IndexesABufferUpToTheWideLimit)
 {
     const std::string text(65535, 'y');
     EXPECT_EQ(IndexItemBuffer(text.data(), 65535, "long", event_, false), 0);
-    EXPECT_EQ(Property("long"), std::string(32767, 'y'));
+    EXPECT_TRUE(Property("long") == std::string(32767, 'y'));
     EXPECT_EQ(IndexItemBuffer("ignored", 0, "empty", event_, true), 0);
     EXPECT_EQ(Property("empty"), "");
     EXPECT_EQ(IndexItemBuffer("ignored", 0, "none", event_, false), 0);

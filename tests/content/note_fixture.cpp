@@ -16,6 +16,8 @@ NoteFixture::NoteFixture()
 {
     for (const char* folder : {"data", "caches", "log", "tmp", "bundle", "bundle/en.lproj"})
         fs::create_directory(home_.Path() / folder);
+    if (const char* const before = std::getenv("TMPDIR"); before != nullptr)
+        tmpdirBefore_ = before;
     setenv("TMPDIR", (home_ / "tmp").c_str(), 1);
     setenv("LANG", "C.UTF-8", 1);
     WriteWholeFile(home_ / "bundle/en.lproj/libtorvik.strings",
@@ -42,6 +44,11 @@ NoteFixture::~NoteFixture()
         static_cast<void>(VLTNoteClose(note));
     EXPECT_EQ(VLTDbClose(db_), kStatusOk);
     EXPECT_EQ(pavex::OpenHandles(), handlesBefore_) << "a handle was left open";
+    // The folder of this test goes with it; the next test's is made in the one before.
+    if (tmpdirBefore_)
+        setenv("TMPDIR", tmpdirBefore_->c_str(), 1);
+    else
+        unsetenv("TMPDIR");
 }
 
 NOTEHANDLE NoteFixture::Open(pavex::Note note)

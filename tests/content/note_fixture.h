@@ -38,6 +38,7 @@ protected:
     SearchEngineEvent event_{kSearchEventMessage};
 
 private:
+    std::optional<std::string> tmpdirBefore_;
     std::vector<NOTEHANDLE> notes_;
     int handlesBefore_ = 0;
 };
