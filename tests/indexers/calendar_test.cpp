@@ -38,11 +38,11 @@ TEST_F(CalendarIndexer, WritesEveryPropertyOfAnEntry)
                   {"duration", "number 5400"},
                   {"recurrence_pattern", " 3- 5-2007 14: 0: 0 /  3- 5-2007 15:30: 0; "
                                          " 3-12-2007 14: 0: 0 /  3-12-2007 15:30: 0"},
-                  {"title", "Review\nof the plan"},
-                  {"com.quorvex.pavex.content", "Agenda\n"},
+                  {"title", "Review\r\nof the plan"},
+                  {"com.quorvex.pavex.content", "Agenda\r\n"},
                   {"organizer", "Ann Lee/Acme"},
                   {"attendees", "Bo Ek/Acme, Cy Fry, Dee Hill"},
-                  {"location", "Room 5\nAnnex"},
+                  {"location", "Room 5\r\nAnnex"},
                   {"categories", "Work, Plans"},
               }));
 }

@@ -74,9 +74,9 @@ TEST_F(ContactIndexer, WritesEveryPropertyOfAContact)
                   BodyItem({"Met in May"}),
               }),
               (Properties{
-                  {"com.quorvex.pavex.content", "Met in May\n"},
-                  {"business_address", "1 Main St\nSpringfield, IL 62701 USA"},
-                  {"home_address", "2 Side St\nShelbyville, KY 40065 Elsewhere"},
+                  {"com.quorvex.pavex.content", "Met in May\r\n"},
+                  {"business_address", "1 Main St\r\nSpringfield, IL 62701 USA"},
+                  {"home_address", "2 Side St\r\nShelbyville, KY 40065 Elsewhere"},
                   {"business_phone", "+1 1, +1 11"},
                   {"company_phone", "+1 1, +1 11"},
                   {"mobile_phone", "+1 2"},

@@ -23,7 +23,7 @@ TEST_F(DiscussionIndexer, WritesEveryPropertyOfAPosting)
                   {"message_time", "date 2007-03-01T08:00:00Z"},
                   {"title", "How to, and why"},
                   {"discussion_authors", "Ann Lee/Acme, Bo Ek"},
-                  {"com.quorvex.pavex.content", "I wonder.\n"},
+                  {"com.quorvex.pavex.content", "I wonder.\r\n"},
               }));
 }
 

@@ -22,7 +22,7 @@ TEST_F(GenericIndexer, WritesTheBodyAndTheWindowTitle)
               (Properties{
                   {"last_modified_time", "date 2007-03-02T09:30:00Z"},
                   {"title", "Recipe / Kitchen"},
-                  {"com.quorvex.pavex.content", "Salt.\n"},
+                  {"com.quorvex.pavex.content", "Salt.\r\n"},
               }));
 }
 

@@ -15,6 +15,7 @@ public:
         folder_ = std::make_unique<TemporaryDirectory>();
         std::string error;
         ASSERT_TRUE(pavex::StartHost(pavex::FindPlaces(folder_->Path().string()), &error)) << error;
+        pavex::SetAddInBundle(TORVIK_SOURCE_DIR "/resources");  // log entries take their arguments by its texts
     }
     void TearDown() override { folder_.reset(); }
 

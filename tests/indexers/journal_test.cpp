@@ -20,10 +20,10 @@ TEST_F(JournalIndexer, WritesEveryPropertyOfAnEntry)
                   IndexJournalNote),
               (Properties{
                   {"last_modified_time", "date 2007-03-02T09:30:00Z"},
-                  {"title", "Day one\nafternoon"},
+                  {"title", "Day one\r\nafternoon"},
                   {"categories", "Travel, Notes"},
                   {"start_time", "date 2007-02-20T18:00:00Z"},
-                  {"com.quorvex.pavex.content", "We left early.\n"},
+                  {"com.quorvex.pavex.content", "We left early.\r\n"},
               }));
 }
 

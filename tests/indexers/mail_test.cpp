@@ -33,7 +33,7 @@ TEST_F(MailIndexer, WritesEveryFieldOfAMessage)
                                                          {"cc", "dee@example.org"},
                                                          {"bcc", "Ed Gray/Acme"},
                                                          {"replyto", "lists@example.org"},
-                                                         {"com.quorvex.pavex.content", "First line\nSecond line\n"},
+                                                         {"com.quorvex.pavex.content", "First line\r\nSecond line\r\n"},
                                                      }));
 }
 

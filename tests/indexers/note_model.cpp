@@ -63,7 +63,7 @@ std::string Text(const Note& note, const char* name, const std::string& separato
 
 std::string Lines(const Note& note, const char* name)
 {
-    return Text(note, name, "\n");
+    return Text(note, name, "\r\n");
 }
 
 std::string NameList(const Note& note, const char* name, bool abbreviated)
@@ -148,13 +148,13 @@ std::string Content(const Note& note)
         return "";
     std::string text;
     for (const pavex::RichTextPiece& piece : pavex::ReadRichText(body->value))
-        text += piece.text + "\n";
+        text += piece.text + "\r\n";
     return text;
 }
 
 std::string Address(const Note& note, const std::array<const char*, 5>& items)
 {
-    const char* const behind[] = {"\n", ", ", " ", " ", ""};
+    const char* const behind[] = {"\r\n", ", ", " ", " ", ""};
     std::string address;
     for (size_t i = 0; i < items.size(); ++i)
         if (const std::string part = Text(note, items[i]); !part.empty())

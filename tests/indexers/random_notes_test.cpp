@@ -82,7 +82,7 @@ protected:
     {
         if (item.starts_with("MiscLabel"))
             return OneOf({"email", "EMail", "url", "nick", "OnlineName", "homeurl", "garden", "email"});
-        return OneOf({"Ann Lee", "CN=Bo Ek/O=Acme", "dee@example.org", "Grüße", "日本語", "\xF0\x9F\x98\x80 smile",
+        return OneOf({"Ann Lee", "CN=Bo Ek/O=Acme", "dee@example.org", "Grüße", "日本語", "smile \xF0\x9F\x98\x80",
                       "a & <b>", "+1 555 0100", "email", "x"});
     }
     TIMEDATE RandomTime() { return pavex::TimeFromUnix(1167609600 + int64_t{Below(200 * 24)} * 3600 + Below(60)); }

@@ -51,7 +51,7 @@ TEST_F(TaskIndexer, WritesEveryPropertyOfATask)
                   IndexTaskNote),
               (Properties{
                   {"last_modified_time", "date 2007-03-02T09:30:00Z"},
-                  {"com.quorvex.pavex.content", "Soon\n"},
+                  {"com.quorvex.pavex.content", "Soon\r\n"},
                   {"start_date", "date 2007-03-15T08:00:00Z"},  // the calendar entry's
                   {"due_date", "date 2007-03-15T17:00:00Z"},
                   {"recurrence_pattern", " 3-15-2007  8: 0: 0 /  3-15-2007 17: 0: 0; "
