@@ -6,6 +6,7 @@ target_sources(pavex_objects PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/composite.cpp
   ${CMAKE_CURRENT_LIST_DIR}/compound_text.cpp
   ${CMAKE_CURRENT_LIST_DIR}/descriptor.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/describe_status.cpp
   ${CMAKE_CURRENT_LIST_DIR}/environment.cpp
   ${CMAKE_CURRENT_LIST_DIR}/error_text.cpp
   ${CMAKE_CURRENT_LIST_DIR}/files.cpp
