@@ -78,14 +78,14 @@ void TextFrontEnd::RunSession(Dialog& dialog)
     while (!dialog.Ended()) {
         std::string line;
         switch (reader_.Read(dialog.MillisecondsToNextTimer(SteadyMilliseconds()), &line)) {
-        case LineReader::Outcome::Line:
+        case InputLineReader::Outcome::Line:
             RunCommand(dialog, line);
             if (!dialog.Ended())
                 Messages() << "> " << std::flush;
             break;
-        case LineReader::Outcome::TimedOut:
+        case InputLineReader::Outcome::TimedOut:
             break;
-        case LineReader::Outcome::Ended:
+        case InputLineReader::Outcome::Ended:
             return;
         }
         dialog.SendDueTimers(SteadyMilliseconds());
@@ -177,7 +177,7 @@ std::optional<std::string> TextFrontEnd::Ask(std::string_view prompt)
 {
     std::string line;
     Messages() << prompt << std::flush;
-    if (reader_.Read(std::nullopt, &line) != LineReader::Outcome::Line)
+    if (reader_.Read(std::nullopt, &line) != InputLineReader::Outcome::Line)
         return std::nullopt;
     return line;
 }

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "client/windows/front_end.h"
-#include "client/windows/line_reader.h"
+#include "client/windows/input_line_reader.h"
 #include "client/windows/text_action.h"
 
 namespace pavex {
@@ -57,7 +57,7 @@ private:
     std::ostream& Messages();
 
     TextFrontEndOptions options_;
-    LineReader reader_;
+    InputLineReader reader_;
     std::optional<std::string> chosenFile_;  // what the next file chooser answers
     std::vector<ShownBox> boxes_;
     std::string error_;

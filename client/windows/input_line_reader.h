@@ -1,4 +1,4 @@
-// client/windows/line_reader.h: lines from a file descriptor, with a limit on the waiting.
+// client/windows/input_line_reader.h: lines from a file descriptor, with a limit on the waiting.
 #pragma once
 
 #include <cstdint>
@@ -7,12 +7,12 @@
 
 namespace pavex {
 
-class LineReader {
+class InputLineReader {
 public:
     enum class Outcome { Line, TimedOut, Ended };
 
     // descriptor: borrowed; -1: ended from the start.
-    explicit LineReader(int descriptor) : descriptor_(descriptor) {}
+    explicit InputLineReader(int descriptor) : descriptor_(descriptor) {}
     // Waits for a whole line, without its line end, at most timeoutMs (none: as long as it takes).  The
     // last line needs no line end.  A read error counts as the end.
     Outcome Read(std::optional<uint64_t> timeoutMs, std::string* line);

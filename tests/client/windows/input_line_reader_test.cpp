@@ -1,5 +1,5 @@
-// tests/client/windows/line_reader_test.cpp
-#include "client/windows/line_reader.h"
+// tests/client/windows/input_line_reader_test.cpp
+#include "client/windows/input_line_reader.h"
 
 #include <unistd.h>
 
@@ -9,14 +9,14 @@
 
 namespace {
 
-using Outcome = pavex::LineReader::Outcome;
+using Outcome = pavex::InputLineReader::Outcome;
 
-TEST(LineReader, ReadsLinesAndALastOneWithoutItsEnd)
+TEST(InputLineReader, ReadsLinesAndALastOneWithoutItsEnd)
 {
     TestPipe pipe;
     pipe.Write("first\r\n\nthird");
     pipe.CloseWriting();
-    pavex::LineReader reader(pipe.Reading());
+    pavex::InputLineReader reader(pipe.Reading());
     std::string line = "?";
     EXPECT_EQ(reader.Read(std::nullopt, &line), Outcome::Line);
     EXPECT_EQ(line, "first");
@@ -27,11 +27,11 @@ TEST(LineReader, ReadsLinesAndALastOneWithoutItsEnd)
     EXPECT_EQ(reader.Read(std::nullopt, &line), Outcome::Ended);
 }
 
-TEST(LineReader, StopsWaitingAtTheLimitAndKeepsWhatItHas)
+TEST(InputLineReader, StopsWaitingAtTheLimitAndKeepsWhatItHas)
 {
     TestPipe pipe;
     pipe.Write("hal");
-    pavex::LineReader reader(pipe.Reading());
+    pavex::InputLineReader reader(pipe.Reading());
     std::string line;
     EXPECT_EQ(reader.Read(10, &line), Outcome::TimedOut);
     pipe.Write("f\n");
@@ -39,11 +39,11 @@ TEST(LineReader, StopsWaitingAtTheLimitAndKeepsWhatItHas)
     EXPECT_EQ(line, "half");
 }
 
-TEST(LineReader, HasEndedWithoutADescriptorThatCanBeRead)
+TEST(InputLineReader, HasEndedWithoutADescriptorThatCanBeRead)
 {
     std::string line;
-    EXPECT_EQ(pavex::LineReader(-1).Read(std::nullopt, &line), Outcome::Ended);
-    EXPECT_EQ(pavex::LineReader(9999).Read(std::nullopt, &line), Outcome::Ended);
+    EXPECT_EQ(pavex::InputLineReader(-1).Read(std::nullopt, &line), Outcome::Ended);
+    EXPECT_EQ(pavex::InputLineReader(9999).Read(std::nullopt, &line), Outcome::Ended);
 }
 
 }  // namespace

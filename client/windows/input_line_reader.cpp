@@ -1,5 +1,5 @@
-// client/windows/line_reader.cpp: lines from a file descriptor, with a limit on the waiting.
-#include "client/windows/line_reader.h"
+// client/windows/input_line_reader.cpp: lines from a file descriptor, with a limit on the waiting.
+#include "client/windows/input_line_reader.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -11,7 +11,7 @@
 
 namespace pavex {
 
-bool LineReader::TakeLine(std::string* line)
+bool InputLineReader::TakeLine(std::string* line)
 {
     const size_t end = pending_.find('\n');
     if (end == std::string::npos && (!ended_ || pending_.empty()))
@@ -23,7 +23,7 @@ bool LineReader::TakeLine(std::string* line)
     return true;
 }
 
-LineReader::Outcome LineReader::Read(std::optional<uint64_t> timeoutMs, std::string* line)
+InputLineReader::Outcome InputLineReader::Read(std::optional<uint64_t> timeoutMs, std::string* line)
 {
     const uint64_t start = SteadyMilliseconds();
     if (descriptor_ < 0)
