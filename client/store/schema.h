@@ -13,8 +13,9 @@ constexpr int32_t kSchemaVersion = 1;
 
 // info_copy lies on a page of its own: who can read either table knows the replica id and the title.
 // A note's items come last in its row, so that reading its identity alone does not touch them.
+// A large value's id is its note's times 2^32 plus its position: it takes no index to find or lose.
 // note_change is all that the table of modified notes reads; it costs what changed, not what is there.
-constexpr const char* kSchema = R"(
+inline constexpr const char* kSchema = R"(
 CREATE TABLE info(id INTEGER PRIMARY KEY CHECK (id = 1), replica BLOB NOT NULL, title TEXT NOT NULL,
                   last_stamp INTEGER NOT NULL, data_stamp INTEGER NOT NULL, design_stamp INTEGER NOT NULL);
 CREATE TABLE info_copy(id INTEGER PRIMARY KEY CHECK (id = 1), replica BLOB NOT NULL, title TEXT NOT NULL);
@@ -23,9 +24,7 @@ CREATE TABLE note(id INTEGER PRIMARY KEY, unid BLOB NOT NULL, sequence INTEGER N
                   stamp INTEGER NOT NULL, checksum INTEGER NOT NULL, items BLOB NOT NULL);
 CREATE INDEX note_change ON note(stamp, class, flags);
 CREATE UNIQUE INDEX note_unid ON note(unid);
-CREATE TABLE value(note INTEGER NOT NULL, position INTEGER NOT NULL, checksum INTEGER NOT NULL,
-                   bytes BLOB NOT NULL);
-CREATE UNIQUE INDEX value_place ON value(note, position);
+CREATE TABLE value(id INTEGER PRIMARY KEY, checksum INTEGER NOT NULL, bytes BLOB NOT NULL);
 CREATE TABLE design(title TEXT NOT NULL COLLATE NOCASE, class INTEGER NOT NULL, note INTEGER NOT NULL,
                     PRIMARY KEY (title, class, note)) WITHOUT ROWID;
 CREATE INDEX design_note ON design(note);
@@ -59,9 +58,9 @@ CREATE INDEX source_keys ON source(source, key);
     ROW(kWriteRow, "INSERT INTO note(id, unid, sequence, modified, class, flags, stamp, checksum, items) "             \
                    "VALUES(?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9) ON CONFLICT(id) DO UPDATE SET unid = ?2, "              \
                    "sequence = ?3, modified = ?4, class = ?5, flags = ?6, stamp = ?7, checksum = ?8, items = ?9")      \
-    ROW(kReadValue, "SELECT checksum, bytes FROM value WHERE note = ?1 AND position = ?2")                             \
-    ROW(kWriteValue, "INSERT INTO value(note, position, checksum, bytes) VALUES(?1, ?2, ?3, ?4)")                      \
-    ROW(kDeleteValues, "DELETE FROM value WHERE note = ?1")                                                            \
+    ROW(kReadValue, "SELECT checksum, bytes FROM value WHERE id = ?1")                                                 \
+    ROW(kWriteValue, "INSERT INTO value(id, checksum, bytes) VALUES(?1, ?2, ?3)")                                      \
+    ROW(kDeleteValues, "DELETE FROM value WHERE id BETWEEN ?1 << 32 AND (?1 << 32) + 4294967295")                      \
     ROW(kFindUnid, "SELECT id FROM note WHERE unid = ?1")                                                              \
     ROW(kCountLive, "SELECT count(*) FROM note WHERE flags & 1 = 0")                                                   \
     ROW(kListChanges, "SELECT id, flags FROM note INDEXED BY note_change WHERE stamp > ?1 AND class & ?2")             \
@@ -85,7 +84,7 @@ enum class Sql : size_t {
 #undef PAVEX_NAME
 };
 
-constexpr std::array kStatements = {
+inline constexpr std::array kStatements = {
 #define PAVEX_TEXT(name, text) text,
     PAVEX_STATEMENTS(PAVEX_TEXT)
 #undef PAVEX_TEXT

@@ -24,6 +24,9 @@ std::atomic<int> busyTimeoutMs{10'000};
 constexpr const char* kSetup = "PRAGMA synchronous=NORMAL; PRAGMA cell_size_check=ON; PRAGMA cache_size=-8192;";
 // The log's index stays in memory, since no file can be made beside the database.
 constexpr const char* kSetupWithoutShared = "PRAGMA locking_mode=EXCLUSIVE; PRAGMA cell_size_check=ON;";
+// SQLite reads a file that is shorter than it says, or whose schema is damaged, when it may take the schema
+// as it comes.  What is left of it is then only read.
+constexpr const char* kSetupDamaged = "PRAGMA writable_schema=ON; PRAGMA query_only=ON;";
 
 constexpr char kMagic[] = "SQLite format 3";  // with its NUL: 16 bytes
 
@@ -84,6 +87,7 @@ STATUS StatusOfSqlite(sqlite3* db, int result)
         return kStatusDiskFull;
     case SQLITE_CORRUPT:
     case SQLITE_NOTADB:
+    case SQLITE_ERROR:  // our statements are well-formed: the schema is not the one they were written for
         return kStatusDamaged;
     case SQLITE_NOMEM:
     case SQLITE_TOOBIG:
@@ -184,9 +188,14 @@ STATUS Connection::OpenAs(const std::string& uri, int flags, const char* setup, 
     STATUS status = opened->Execute(setup);
     if (status == 0)
         status = opened->CheckFormat();
+    if (status == kStatusDamaged) {
+        status = opened->Execute(kSetupDamaged);
+        if (status == 0)
+            status = opened->CheckFormat();
+    }
     if (status == 0)
         *connection = std::move(opened);
-    return status;
+    return status == kStatusDamaged ? kStatusNotADatabase : status;
 }
 
 STATUS Connection::Open(const std::string& path, std::unique_ptr<Connection>* connection)
@@ -216,7 +225,8 @@ STATUS Connection::CreateFile(const std::string& path, std::unique_ptr<Connectio
         return StatusOfSqlite(db, result);
     sqlite3_extended_result_codes(db, 1);
     *connection = std::move(opened);
-    return 0;
+    // Nobody sees the file before it is whole; its maker flushes it once, then.
+    return (*connection)->Execute("PRAGMA journal_mode=OFF; PRAGMA synchronous=OFF;");
 }
 
 Connection::~Connection()
@@ -259,11 +269,14 @@ STATUS Connection::CheckFormat()
     STATUS status = ReadPragma("PRAGMA application_id", &application);
     if (status == 0)
         status = ReadPragma("PRAGMA user_version", &version);
-    if (status == kStatusDamaged || (status == 0 && (application != kApplicationId || version < 1)))
+    if (status != 0)
+        return status;
+    if (application != kApplicationId || version < 1)
         return kStatusNotADatabase;
-    if (status == 0 && version > kSchemaVersion)
+    if (version > kSchemaVersion)
         return kStatusNewerFormat;
-    return status;
+    int64_t tables = 0;
+    return ReadPragma("SELECT count(*) FROM pragma_table_info('note')", &tables);  // reads the schema
 }
 
 }  // namespace pavex

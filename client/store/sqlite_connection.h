@@ -47,7 +47,7 @@ public:
     // path: native.  259, 513, 514, 515, 519 (see database.h); *connection is then empty.  A file that
     // cannot be written is opened for reading, also in a folder where nothing can be made.
     static STATUS Open(const std::string& path, std::unique_ptr<Connection>* connection);
-    // A new, empty database under this name, not in WAL mode yet.
+    // A new, empty file under this name, without a log and not flushed to the disk.
     static STATUS CreateFile(const std::string& path, std::unique_ptr<Connection>* connection);
     ~Connection();
     Connection(const Connection&) = delete;
@@ -55,6 +55,7 @@ public:
 
     Query Use(Sql statement);
     STATUS Execute(const std::string& sql);  // statements without results
+    sqlite3* Handle() const { return db_; }  // borrowed
     bool InTransaction() const { return sqlite3_get_autocommit(db_) == 0; }
 
     // How long a lock is waited for, of connections that are opened from now on; milliseconds.

@@ -27,6 +27,11 @@ template <typename Value> bool FromBytes(std::string_view bytes, Value* value)
     return true;
 }
 
+int64_t ValueId(uint32_t note, uint32_t position)
+{
+    return static_cast<int64_t>(uint64_t{note} << 32 | position);
+}
+
 // Over all of a row but its items, which have their own.
 uint64_t HeadChecksum(const NoteRow& row)
 {
@@ -157,7 +162,7 @@ STATUS SqliteEngine::ReadRow(uint32_t id, bool withItems, NoteRow* row)
 STATUS SqliteEngine::ReadValue(uint32_t id, uint32_t position, std::string* bytes)
 {
     Query query = connection_->Use(Sql::kReadValue);
-    if (!query.Bind(1, int64_t{id}).Bind(2, int64_t{position}).Row())
+    if (!query.Bind(1, ValueId(id, position)).Row())
         return query.Status() == 0 ? kStatusDamaged : query.Status();
     const std::string_view stored = query.Bytes(1);
     if (static_cast<uint64_t>(query.Number(0)) != Checksum(stored, id))
@@ -210,10 +215,9 @@ STATUS SqliteEngine::WriteRowParts(NoteRow* row, const std::vector<LargeValue>& 
         if (status != 0)
             return status;
         status = connection_->Use(Sql::kWriteValue)
-                     .Bind(1, int64_t{row->id})
-                     .Bind(2, int64_t{value.position})
-                     .Bind(3, static_cast<int64_t>(Checksum(value.bytes, row->id)))
-                     .BindBlob(4, value.bytes)
+                     .Bind(1, ValueId(row->id, value.position))
+                     .Bind(2, static_cast<int64_t>(Checksum(value.bytes, row->id)))
+                     .BindBlob(3, value.bytes)
                      .Run();
     }
     for (const std::string& title : titles) {

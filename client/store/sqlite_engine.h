@@ -45,6 +45,7 @@ public:
 
 private:
     explicit SqliteEngine(std::unique_ptr<Connection> connection) : connection_(std::move(connection)) {}
+    static STATUS WriteFile(const std::string& path, const DatabaseInfo& info);
     // Runs `work` in the open transaction, or in one of its own.
     STATUS Write(const std::function<STATUS()>& work);
     STATUS WriteRowParts(NoteRow* row, const std::vector<LargeValue>& values, const std::vector<std::string>& titles);

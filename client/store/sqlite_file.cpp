@@ -1,6 +1,7 @@
 // client/store/sqlite_file.cpp: makes a database file.
 // It is written under another name and linked to its own when it is whole, so that neither a crash nor
 // a second process that makes the same one leaves something that is not a database.
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -13,22 +14,15 @@
 namespace pavex {
 namespace {
 
-STATUS WriteEmptyDatabase(const std::string& path, const DatabaseInfo& info)
+// Everything that was written to the file is on the disk when it returns.
+STATUS Flush(const std::string& path)
 {
-    std::unique_ptr<Connection> connection;
-    if (const STATUS status = Connection::CreateFile(path, &connection); status != 0)
-        return status;
-    const std::string numbers = "PRAGMA application_id=" + std::to_string(kApplicationId) +
-                                "; PRAGMA user_version=" + std::to_string(kSchemaVersion) + ";";
-    for (const std::string& step : {numbers, std::string(kSchema), std::string("PRAGMA journal_mode=WAL;")}) {
-        if (const STATUS status = connection->Execute(step); status != 0)
-            return status;
-    }
-    connection.reset();  // moves the log into the file
-
-    std::unique_ptr<Engine> engine;
-    const STATUS status = SqliteEngine::Open(path, &engine);
-    return status != 0 ? status : engine->WriteInfo(info);
+    const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (file < 0)
+        return StatusOfErrno(errno);
+    const STATUS status = fsync(file) == 0 ? kStatusOk : StatusOfErrno(errno);
+    close(file);
+    return status;
 }
 
 // Gives the file its name; 519 when there is one of that name.
@@ -48,13 +42,32 @@ STATUS Publish(const std::string& from, const std::string& to)
 
 }  // namespace
 
+STATUS SqliteEngine::WriteFile(const std::string& path, const DatabaseInfo& info)
+{
+    std::unique_ptr<Connection> connection;
+    if (const STATUS status = Connection::CreateFile(path, &connection); status != 0)
+        return status;
+    SqliteEngine engine(std::move(connection));
+    const std::string numbers = "PRAGMA application_id=" + std::to_string(kApplicationId) +
+                                "; PRAGMA user_version=" + std::to_string(kSchemaVersion) + ";";
+    STATUS status = engine.Write([&] {
+        const STATUS made = engine.connection().Execute(numbers + kSchema);
+        return made == 0 ? engine.WriteInfo(info) : made;
+    });
+    if (status == 0)
+        status = engine.connection().Execute("PRAGMA journal_mode=WAL");
+    return status;
+}
+
 STATUS SqliteEngine::Create(const std::string& path, const DatabaseInfo& info)
 {
     if (access(path.c_str(), F_OK) == 0)
         return kStatusNoAccess;
     static std::atomic<unsigned> count{0};
     const std::string beside = path + "." + std::to_string(getpid()) + "-" + std::to_string(++count) + ".new";
-    STATUS status = WriteEmptyDatabase(beside, info);
+    STATUS status = WriteFile(beside, info);
+    if (status == 0)
+        status = Flush(beside);
     if (status == 0)
         status = Publish(beside, path);
     for (const char* suffix : {"", "-wal", "-shm", "-journal"})
