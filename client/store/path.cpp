@@ -72,14 +72,13 @@ std::string Canonical(std::string_view path)
 
 }  // namespace
 
-STATUS OSPathNetParse(const char* path, char* port, char* server, char* file)
+STATUS OSPathNetParse(const char* path, char*, char* port, char* server)
 {
     PathParts parts;
     if (path == nullptr || !SplitPath({path, strnlen(path, kPathBytes)}, &parts))
         return kStatusBadText;
     HandOut({}, port);  // there are no ports: servers are reached by name alone
     HandOut(parts.server, server);
-    HandOut(parts.file, file);
     return kStatusOk;
 }
 
