@@ -78,7 +78,7 @@ unsigned int GetDlgItemText(unsigned long window, int id, char* text, int size)
     const Control* control = ControlOf(window, id);
     const std::string_view whole = control == nullptr ? std::string_view() : std::string_view(control->text);
     const size_t length = pavex::ScsPrefix(whole, static_cast<size_t>(size) - 1);
-    std::memcpy(text, whole.data(), length);
+    whole.copy(text, length);
     text[length] = '\0';
     return static_cast<unsigned int>(length);
 }
