@@ -36,6 +36,16 @@ bool IsXmlCharacter(char32_t c)
     return !IsSurrogate(c) && c != 0xFFFE && c != 0xFFFF;
 }
 
+// How many units at the start of the text are ASCII that needs no escape.
+size_t PlainLength(std::u16string_view text)
+{
+    size_t length = 0;
+    while (length < text.size() && text[length] >= 0x20 && text[length] < 0x7F && text[length] != '&' &&
+           text[length] != '<' && text[length] != '>')
+        ++length;
+    return length;
+}
+
 class XmlWriter {
 public:
     // False when the value cannot be in a property list.
@@ -133,8 +143,17 @@ private:
     {
         Indent(containers_.size());
         out_.append(1, '<').append(tag).append(1, '>');
-        for (size_t i = 0; i < text.size();)
-            Character(NextCodePoint(text, &i));
+        for (size_t i = 0; i < text.size();) {
+            // Most texts are plain ASCII for long stretches: those go over in one piece.
+            const size_t plain = PlainLength(text.substr(i));
+            const size_t start = out_.size();
+            out_.resize(start + plain);
+            for (size_t k = 0; k < plain; ++k)
+                out_[start + k] = static_cast<char>(text[i + k]);
+            i += plain;
+            if (i < text.size())
+                Character(NextCodePoint(text, &i));
+        }
         out_.append("</").append(tag).append(">\n");
         return true;
     }
@@ -157,10 +176,7 @@ private:
         default:
             break;
         }
-        if (c >= 0x20 && c < 0x80)
-            out_.push_back(static_cast<char>(c));
-        else
-            AppendUtf8(IsXmlCharacter(c) ? c : kReplacementCharacter, &out_);
+        AppendUtf8(IsXmlCharacter(c) ? c : kReplacementCharacter, &out_);
     }
 
     bool Value(const Number& number)

@@ -48,7 +48,7 @@ TEST_F(FoundationNumber, WritesATruncatedValueAndSaysSo)
     EXPECT_EQ(Get<int>(Number(kCFNumberDoubleType, -1.5), kCFNumberIntType), std::pair(false, -1));
     EXPECT_FALSE(Get<int>(Number(kCFNumberDoubleType, std::nan("")), kCFNumberIntType).first);
     EXPECT_FALSE(Get<int64_t>(Number(kCFNumberDoubleType, 1e30), kCFNumberSInt64Type).first);
-    EXPECT_FALSE(Get<int64_t>(Number(kCFNumberDoubleType, -INFINITY), kCFNumberSInt64Type).first);
+    EXPECT_FALSE(Get<int64_t>(Number(kCFNumberDoubleType, -HUGE_VAL), kCFNumberSInt64Type).first);
     EXPECT_FALSE(Get<double>(Number(kCFNumberSInt64Type, INT64_MAX), kCFNumberDoubleType).first);
     EXPECT_EQ(Get<float>(Number(kCFNumberDoubleType, 1e300), kCFNumberFloatType), std::pair(false, HUGE_VALF));
     EXPECT_FALSE(Get<float>(Number(kCFNumberDoubleType, 0.1), kCFNumberFloatType).first);
