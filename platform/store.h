@@ -358,6 +358,6 @@ STATUS OSCloseFile(DWORD file);
 STATUS OSFileDelete(const char* name);
 
 // The add-in's bundle, as the client found it when it loaded the add-in; borrowed, 0 when there is none.
-struct __CFBundle* GetPavexBundle(void);
+struct __CFBundle* GetPavexBundle(void);  // NOLINT(bugprone-reserved-identifier): the system's own name
 
 }  // extern "C"

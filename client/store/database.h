@@ -20,6 +20,7 @@ namespace pavex {
 
 class Engine;
 class IdTable;
+struct DatabaseInfo;
 struct NoteRow;
 
 struct NoteSummary {
@@ -105,9 +106,8 @@ private:
 
     std::string path_;
     std::unique_ptr<Engine> engine_;
-    std::unique_ptr<struct DatabaseInfo> pending_;  // set while a transaction has a stamp
+    std::unique_ptr<DatabaseInfo> pending_;  // set while a transaction has a stamp
     TIMEDATE replica_{};
-    uint64_t stamp_ = 0;  // of the transaction
     bool inTransaction_ = false;
     bool unseal_ = false;
 };
