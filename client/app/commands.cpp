@@ -61,6 +61,9 @@ int RunProgram(int argc, char** argv)
     std::string problem;
     if (!StartHost(FindPlaces(home), &problem))
         return Fail(problem);
+    std::string mailFile;
+    if (!GetVariable("MailFile", &mailFile))
+        OverrideVariable("MailFile", "mail.vlt");  // where mail is imported to; the settings dialog proposes it
     return functions.at(program.get_subcommands().front())();
 }
 

@@ -1,6 +1,8 @@
 // client/app/hurried_clock.cpp: a clock on which the waits between cycles pass quickly.
 #include "client/app/hurried_clock.h"
 
+#include <algorithm>
+
 #include "client/store/host.h"
 
 namespace pavex {
@@ -17,10 +19,16 @@ uint64_t HurriedClock::TimerMilliseconds()
 
 void HurriedClock::Delay(uint32_t milliseconds)
 {
-    if (CycleDone() || OpenDatabasesOfThread() != 0)
-        SystemClock().Delay(milliseconds);
-    else
+    if (!CycleDone() && OpenDatabasesOfThread() == 0) {
         idle_ += milliseconds;
+        return;
+    }
+    constexpr uint32_t kSliceMs = 20;
+    for (uint32_t left = milliseconds; left != 0 && !ended_;) {
+        const uint32_t slice = std::min(left, kSliceMs);
+        SystemClock().Delay(slice);
+        left -= slice;
+    }
 }
 
 void HurriedClock::Preempt()

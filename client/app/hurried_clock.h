@@ -20,9 +20,12 @@ public:
     void Preempt() override;
 
     bool CycleDone() const { return idle_ >= idleEnough_; }
+    // Delays end at once from now on: nobody waits for the add-in's last poll.
+    void EndDelays() { ended_ = true; }
 
 private:
     const uint64_t idleEnough_;
+    std::atomic<bool> ended_{false};
     std::atomic<uint64_t> idle_{0};  // milliseconds waited between passes, skipped all of them
 };
 

@@ -165,6 +165,7 @@ int RunIndex(const IndexArguments& arguments)
             return Fail("the administrator's policy locks indexing off");
         addIn->Start();
         stopped = WaitForCycle(clock, line);
+        clock.EndDelays();
         addIn->Stop();
     }
     SetLogObserver(nullptr);
