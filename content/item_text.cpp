@@ -33,7 +33,7 @@ WORD GetMultiLineItem(NOTEHANDLE note, const char* item, char* buffer, WORD size
 
 bool ItemHasText(NOTEHANDLE note, const char* item)
 {
-    char probe[4];
+    char probe[8];  // room for any one character: the longest takes six bytes
     return VLTItemGetText(note, item, probe, sizeof probe - 1) != 0;
 }
 

@@ -39,7 +39,7 @@ void HandOut(std::string_view text, char* out)
 {
     if (out == nullptr)
         return;
-    std::memcpy(out, text.data(), text.size());
+    text.copy(out, text.size());
     out[text.size()] = 0;
 }
 

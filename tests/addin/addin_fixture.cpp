@@ -49,6 +49,14 @@ uint32_t Mailbox::Add(const std::string& subject, const std::string& form)
     return note.id;
 }
 
+uint32_t Mailbox::AddPlain(const std::string& subject, const std::string& form)
+{
+    pavex::Note note;
+    note.items = {pavex::TextItem("Form", form), pavex::TextItem("Subject", subject)};
+    Require(db_->Put(&note));
+    return note.id;
+}
+
 void Mailbox::AddMany(int count, const std::string& subject)
 {
     Require(db_->Begin());

@@ -19,8 +19,9 @@ protected:
     }
     DBHANDLE Db()
     {
-        if (db_ == 0)
+        if (db_ == 0) {
             EXPECT_EQ(VLTDbOpen(mail_.Path().c_str(), &db_), 0);
+        }
         return db_;
     }
     bool Index(uint32_t id)
@@ -32,7 +33,7 @@ protected:
         return indexed;
     }
     // Extensions of the metafiles, sorted by path.
-    std::vector<std::string> Kinds() const
+    std::vector<std::string> KindsWritten() const
     {
         std::vector<std::string> kinds;
         for (const auto& [path, subject] : Metafiles())
@@ -59,9 +60,9 @@ TEST_F(Dispatch, EachFormGoesToItsIndexer)
                                    {"Person", "vPavexContact"},
                                    {"JournalEntry", "vPavexJournal"},
                                    {"MainTopic", "vPavexDiscussion"}}) {
-        const uint32_t id = mail_.Add(row.form, row.form);
+        const uint32_t id = mail_.AddPlain(row.form, row.form);
         EXPECT_TRUE(Index(id)) << row.form;
-        EXPECT_EQ(this->Kinds(), Kinds{row.kind});
+        EXPECT_EQ(KindsWritten(), Kinds{row.kind});
         EXPECT_TRUE(DeleteNoteIDFromIndex(Db(), id, &context_));
     }
 }
@@ -72,32 +73,26 @@ TEST_F(Dispatch, AKindThatIsSwitchedOffDoesNotFallThroughToALaterOne)
     EXPECT_FALSE(Index(mail_.Add("a task", "Task")));
     SetGoogleSupport(kNoteKindCalendar, false);
     EXPECT_FALSE(Index(mail_.Add("scores as mail, but is a meeting", "Appointment")));
-    EXPECT_TRUE(this->Kinds().empty());
+    EXPECT_TRUE(KindsWritten().empty());
 }
 
 TEST_F(Dispatch, WithDiscussionsOffAPostingGoesOnToTheLaterKinds)
 {
     EXPECT_TRUE(Index(mail_.Add("scores as mail", "MainTopic")));
-    EXPECT_EQ(this->Kinds(), Kinds{"vPavexMessage"});
+    EXPECT_EQ(KindsWritten(), Kinds{"vPavexMessage"});
 }
 
 TEST_F(Dispatch, AnyOtherNoteIsIndexedAsItselfUnlessThatIsSwitchedOff)
 {
-    pavex::Note note;
-    note.items = {pavex::TextItem("Form", "Recipe"), pavex::TextItem("Subject", "Soup")};
-    ASSERT_EQ(mail_.Db().Put(&note), 0);
-    EXPECT_TRUE(Index(note.id));
-    EXPECT_EQ(this->Kinds(), Kinds{"vPavexNote"});
+    EXPECT_TRUE(Index(mail_.AddPlain("Soup", "Recipe")));
+    EXPECT_EQ(KindsWritten(), Kinds{"vPavexNote"});
 }
 
 TEST_F(Dispatch, OtherNotesAreLeftOutWhenAskedFor)
 {
     SetVariable("GoogleNoIndexAll", "1");
-    pavex::Note note;
-    note.items = {pavex::TextItem("Form", "Recipe")};
-    ASSERT_EQ(mail_.Db().Put(&note), 0);
-    EXPECT_FALSE(Index(note.id));
-    EXPECT_TRUE(this->Kinds().empty());
+    EXPECT_FALSE(Index(mail_.AddPlain("Soup", "Recipe")));
+    EXPECT_TRUE(KindsWritten().empty());
 }
 
 TEST_F(Dispatch, WhenNoIndexerRunsTheContextKeepsWhatTheLastOneLeft)
@@ -114,7 +109,7 @@ TEST_F(Dispatch, AHistoryPassTakesHistoryEntriesOnly)
 {
     context_.history = true;
     EXPECT_FALSE(Index(mail_.Add("mail")));
-    EXPECT_TRUE(this->Kinds().empty());
+    EXPECT_TRUE(KindsWritten().empty());
 }
 
 TEST_F(Dispatch, ASealedNoteIsReadOnlyWhenTheUserAsksForIt)

@@ -1,6 +1,8 @@
 // tests/addin/entry_test.cpp: the client's messages.
 #include "addin/entry.h"
 
+#include <gmock/gmock.h>
+
 #include <array>
 #include <cstring>
 
@@ -73,7 +75,8 @@ TEST_F(Entry, UnloadAsksTheThreadToEnd)
     EXPECT_EQ(MainEntryPoint(3, nullptr), 0);
     EXPECT_EQ(bShutDownThread, 1);
     pavex::JoinThreads();
-    EXPECT_EQ(log_.back().id, kLogThreadEnded);
+    // The request may come before the thread has begun.
+    EXPECT_THAT(log_.back().id, testing::AnyOf(kLogThreadEnded, kLogThreadNotStarted));
 }
 
 TEST_F(Entry, LoadAfterUnloadDoesNothing)

@@ -23,6 +23,7 @@ protected:
         SetVariable("GoogleWaitTime", "0");
         SetVariable("GoogleDebug", "1");
         SetVariable("GDSIndexDrafts", "1");
+        SetVariable("GDSIndexDiscussion", "1");
         SetVariable("GDSIndexEncrypted", "1");
         Configure(0, mail_.Path());
     }
@@ -30,9 +31,10 @@ protected:
     // A note of each kind, one that changed its kind, one that is deleted; indexed before it changed.
     void FillMailbox()
     {
-        for (const char* form : {"Memo", "Person", "JournalEntry", "MainTopic", "Recipe", "Task"})
-            mail_.Add(form, form);
-        const uint32_t changes = mail_.Add("changes its kind");
+        for (const char* form : {"Person", "JournalEntry", "MainTopic", "Recipe", "Task"})
+            mail_.AddPlain(form, form);
+        mail_.Add("Memo");
+        const uint32_t changes = mail_.AddPlain("changes its kind", "JournalEntry");
         const uint32_t goes = mail_.Add("goes");
         IndexFile(0, false);
         pavex::Note note;
@@ -63,7 +65,7 @@ TEST_F(Failure, OfAnySingleCallLeavesNothingBehindThatTheNextPassesDoNotPutRight
     const std::string ini = ReadWholeFile(home_ / "pavex.ini");
     IndexFile(0, false);
     const std::map<std::string, std::string> expected = AllFiles();
-    ASSERT_EQ(expected.size(), 8U);
+    ASSERT_EQ(expected.size(), 7U);  // a task without any time is not indexed
     const long objects = pavex::LiveObjects();
     const int handles = pavex::OpenHandles();
 
@@ -121,7 +123,7 @@ TEST_F(Failure, KilledAtEveryChangeOfAFileOrDatabaseTheNextPassGivesWhatAnUndist
     };
     ASSERT_EQ(run(0), 0);
     const std::map<std::string, std::string> expected = AllFiles();
-    ASSERT_EQ(expected.size(), 8U);
+    ASSERT_EQ(expected.size(), 7U);  // a task without any time is not indexed
 
     int killed = 1;
     for (int change = 1; killed != 0; ++change) {

@@ -1,6 +1,8 @@
 // tests/addin/lifecycle_test.cpp: start, stop and steering of the indexing thread.
 #include "addin/lifecycle.h"
 
+#include <cstring>
+
 #include "settings/progress.h"
 #include "strings/string_ids.h"
 #include "tests/addin/addin_fixture.h"
