@@ -65,6 +65,8 @@ TEST_F(Dispatch, EachFormGoesToItsIndexer)
         EXPECT_EQ(KindsWritten(), Kinds{row.kind});
         EXPECT_TRUE(DeleteNoteIDFromIndex(Db(), id, &context_));
     }
+    EXPECT_TRUE(Index(mail_.Add("mail")));
+    EXPECT_EQ(KindsWritten(), Kinds{"vPavexMessage"});
 }
 
 TEST_F(Dispatch, AKindThatIsSwitchedOffDoesNotFallThroughToALaterOne)

@@ -102,6 +102,7 @@ TEST_F(Failure, KilledAtEveryChangeOfAFileOrDatabaseTheNextPassGivesWhatAnUndist
     const fs::path before = home_.Path() / "before";
     const fs::path caches = home_.Path() / "caches";
     const fs::path ini = home_.Path() / "pavex.ini";
+    fs::create_directory(before);
     fs::copy(caches, before / "caches", fs::copy_options::recursive);
     fs::copy(ini, before / "pavex.ini");
     const auto restore = [&] {
