@@ -34,14 +34,13 @@ def from_line(address, when):
 
 def word(text, charset="utf-8", how="b"):
     """One encoded word, or several of at most 45 bytes cut between characters."""
-    pieces, piece = [], b""
+    pieces, piece = [], ""
     for character in text:
-        encoded = character.encode(charset)
-        if len(piece) + len(encoded) > (45 if how == "b" else 20):
-            pieces.append(piece)
-            piece = b""
-        piece += encoded
-    pieces.append(piece)
+        if len((piece + character).encode(charset)) > (45 if how == "b" else 20):
+            pieces.append(piece.encode(charset))
+            piece = ""
+        piece += character
+    pieces.append(piece.encode(charset))
 
     def one(raw):
         if how == "b":

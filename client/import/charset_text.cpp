@@ -136,6 +136,24 @@ std::string Convert(std::string_view bytes, UConverter* converter, size_t* repla
     return utf8;
 }
 
+// Escapes of ISO-2022 text that are followed by another one at once.  They come from words and lines that were
+// encoded one by one; the converter takes them for an attack and marks each.
+std::string WithoutEmptySegments(std::string_view bytes)
+{
+    std::string out;
+    out.reserve(bytes.size());
+    for (size_t i = 0; i < bytes.size();) {
+        const std::string_view rest = bytes.substr(i);
+        const bool toAscii = rest.starts_with("\x1B(B") || rest.starts_with("\x1B(J");
+        const bool toJapanese = rest.starts_with("\x1B$B") || rest.starts_with("\x1B$@");
+        const bool empty = (toAscii || toJapanese) && rest.size() > 3 && rest[3] == '\x1B';
+        if (!empty)
+            out += rest[0];
+        i += empty ? 3 : 1;
+    }
+    return out;
+}
+
 std::string ConvertBy(std::string_view bytes, const char* name)
 {
     size_t replaced = 0;
@@ -189,7 +207,7 @@ bool LooksLikeIso2022Jp(std::string_view bytes)
 std::string DecodeUndeclared(std::string_view bytes, const Utf8Census& census, std::string_view guess)
 {
     if (LooksLikeIso2022Jp(bytes))
-        return ConvertBy(bytes, "iso-2022-jp");
+        return ConvertBy(WithoutEmptySegments(bytes), "iso-2022-jp");
     if (census.stray == 0)
         return std::string(bytes);
     const std::string guessed = CanonicalName(guess);
@@ -228,7 +246,8 @@ std::string Utf8FromBytes(std::string_view bytes, std::string_view charset, std:
     if (name == "windows-1252" && census.characters > 0 && census.stray == 0)
         return std::string(bytes);  // no Latin-1 text happens to be well-formed UTF-8
     size_t replaced = 0;
-    std::string text = Convert(bytes, converter.get(), &replaced);
+    std::string text = name.starts_with("iso-2022") ? Convert(WithoutEmptySegments(bytes), converter.get(), &replaced)
+                                                    : Convert(bytes, converter.get(), &replaced);
     if (replaced > 0 && census.characters > 0 && census.stray == 0)
         return std::string(bytes);
     return text;

@@ -46,6 +46,12 @@ std::string OriginalKey(const SourceEntry& copy)
     return copy.key.substr(copy.key.find(':', 5) + 1);
 }
 
+// Of a note that another program deleted while the import ran; the next import sees it gone.
+STATUS UnlessDeleted(STATUS status)
+{
+    return status == kStatusNoteDeleted ? kStatusOk : status;
+}
+
 }  // namespace
 
 void NoteIdSet::Add(uint32_t id)
@@ -208,7 +214,7 @@ bool EntryStore::KeepUnread(const SourceEntryFound& entry, SourceEntry own)
     own.digest = digest;
     if (!BeginWrite() || !Check(database_->PutSource(own)))
         return false;
-    if (entry.unread && !Check(database_->SetUnread(user_, own.noteId, *entry.unread)))
+    if (entry.unread && !Check(UnlessDeleted(database_->SetUnread(user_, own.noteId, *entry.unread))))
         return false;
     return EndWrite();
 }
@@ -225,12 +231,15 @@ bool EntryStore::WriteNote(const SourceEntryFound& entry, const std::string& key
     }
     if (replacedId != 0) {
         Note old;
-        if (!Check(database_->Get(replacedId, &old)))
+        const STATUS status = database_->Get(replacedId, &old);
+        if (!Check(UnlessDeleted(status)))
             return false;
-        note.id = old.id;
-        note.unid = old.unid;
-        note.sequence = old.sequence;
-        note.created = old.created;
+        if (status == kStatusOk) {
+            note.id = old.id;
+            note.unid = old.unid;
+            note.sequence = old.sequence;
+            note.created = old.created;
+        }
     }
     if (!BeginWrite() || !Check(database_->Put(&note)))
         return false;
@@ -350,7 +359,7 @@ bool EntryStore::PruneRow(const SourceEntry& row, ImportReport* report)
         return Check(database_->PutSource(heir)) && Check(database_->DeleteSource(heirKey));
     }
     if (living_.Has(row.noteId)) {
-        if (!Check(database_->Delete(row.noteId)))
+        if (!Check(UnlessDeleted(database_->Delete(row.noteId))))
             return false;
         ++report->removed;
     }

@@ -9,13 +9,14 @@
 #include <vector>
 
 #include <libxml/HTMLparser.h>
+#include <libxml/parserInternals.h>
 
 namespace pavex {
 namespace {
 
-// More open elements than this are no document; what follows is not read, since the parser's work for
-// each end tag grows with their number.
-constexpr int kDeepestElement = 20000;
+// More open elements than this are no document: what follows is not read, since the parser looks through all
+// of them at each end tag.
+constexpr int kDeepestElement = 600;
 
 enum class Layout {
     kInline,
@@ -145,13 +146,15 @@ public:
         static_cast<HtmlWalk*>(context)->Text({reinterpret_cast<const char*>(text), static_cast<size_t>(length)});
     }
 
-    bool TooDeep() const { return depth_ > kDeepestElement; }
+    // parser: borrowed; stopped when the document is too deep.
+    void StopsIn(htmlParserCtxtPtr parser) { parser_ = parser; }
     std::string Take() { return lines_.Take(); }
 
 private:
     void Open(const char* name, const char** attributes)
     {
-        ++depth_;
+        if (++depth_ > kDeepestElement)
+            xmlStopParser(parser_);
         switch (LayoutOf(name)) {
         case Layout::kInline:
             break;
@@ -296,12 +299,58 @@ private:
         return text.starts_with("\xC2\xA0") ? 2 : 0;
     }
 
+    htmlParserCtxtPtr parser_ = nullptr;
     TextLines lines_;
     std::vector<int> counters_;  // one an open list: -1 bullets, else the last number
     int depth_ = 0;
     int hidden_ = 0;
     int preformatted_ = 0;
 };
+
+// The end of the tag at the front, its '>' included; npos when it has none.
+size_t TagLength(std::string_view html)
+{
+    char quote = 0;
+    for (size_t i = 1; i < html.size(); ++i) {
+        if (quote != 0)
+            quote = html[i] == quote ? '\0' : quote;
+        else if (html[i] == '>')
+            return i + 1;
+        else if (html[i - 1] == '=' && (html[i] == '"' || html[i] == '\''))
+            quote = html[i];
+    }
+    return html.npos;
+}
+
+// Reduces tags of absurd length to their names: the parser compares each attribute with all before it.
+std::string WithoutHugeTags(std::string_view html)
+{
+    constexpr size_t kLongestTag = 8192;
+    std::string out;
+    out.reserve(html.size());
+    while (!html.empty()) {
+        const size_t open = std::min(html.find('<'), html.size());
+        out += html.substr(0, open);
+        html.remove_prefix(open);
+        if (html.size() < 2 || std::isalpha(static_cast<unsigned char>(html[1])) == 0) {
+            out += html.substr(0, 1);
+            html.remove_prefix(std::min<size_t>(1, html.size()));
+            continue;
+        }
+        size_t length = TagLength(html.substr(0, kLongestTag));
+        if (length != html.npos) {
+            out += html.substr(0, length);
+        } else {
+            length = std::min(TagLength(html), html.size());
+            if (length <= kLongestTag)
+                out += html.substr(0, length);  // the document ends inside it
+            else
+                out.append(html.substr(0, std::min<size_t>(html.find_first_of(" \t\r\n/"), 60))).append(">");
+        }
+        html.remove_prefix(length);
+    }
+    return out;
+}
 
 struct ParserCloser {
     void operator()(htmlParserCtxtPtr parser) const { htmlFreeParserCtxt(parser); }
@@ -320,23 +369,22 @@ htmlSAXHandler EventHandlers()
 
 }  // namespace
 
-std::string TextFromHtml(std::string_view html)
+std::string TextFromHtml(std::string_view given)
 {
+    const std::string html = WithoutHugeTags(given);
     HtmlWalk walk;
     htmlSAXHandler handlers = EventHandlers();
     const std::unique_ptr<htmlParserCtxt, ParserCloser> parser(
-        htmlCreatePushParserCtxt(&handlers, &walk, nullptr, 0, nullptr, XML_CHAR_ENCODING_UTF8));
-    if (!parser)
+        htmlCreateMemoryParserCtxt(html.data(), static_cast<int>(html.size())));
+    if (html.empty() || !parser)
         return {};
+    *parser->sax = handlers;
+    parser->userData = &walk;
     htmlCtxtUseOptions(parser.get(), HTML_PARSE_RECOVER | HTML_PARSE_NOERROR | HTML_PARSE_NOWARNING | HTML_PARSE_NONET |
                                          HTML_PARSE_IGNORE_ENC);
-    constexpr size_t kPiece = 16384;
-    while (!html.empty() && !walk.TooDeep()) {
-        const std::string_view piece = html.substr(0, kPiece);
-        htmlParseChunk(parser.get(), piece.data(), static_cast<int>(piece.size()), 0);
-        html.remove_prefix(piece.size());
-    }
-    htmlParseChunk(parser.get(), nullptr, 0, 1);
+    xmlSwitchEncoding(parser.get(), XML_CHAR_ENCODING_UTF8);
+    walk.StopsIn(parser.get());
+    htmlParseDocument(parser.get());
     return walk.Take();
 }
 

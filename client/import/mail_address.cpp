@@ -38,7 +38,10 @@ bool SameAscii(std::string_view a, std::string_view b)
 
 class AddressWalk {
 public:
-    AddressWalk(std::string_view text, std::string_view guess) : text_(text), guess_(guess) {}
+    AddressWalk(std::string_view text, std::string_view guess)
+        : text_(text), guess_(guess), lastSemicolon_(text.rfind(';'))
+    {
+    }
 
     std::vector<std::string> Read()
     {
@@ -106,6 +109,14 @@ private:
 
     void TakeComment()
     {
+        std::string comment = SkipComment();
+        if (comment_.empty())
+            comment_ = std::move(comment);
+    }
+
+    // Moves past the comment whose parenthesis was just read; returns its text.
+    std::string SkipComment()
+    {
         int depth = 1;
         std::string comment;
         while (at_ < text_.size()) {
@@ -119,10 +130,7 @@ private:
             }
             comment += c;
         }
-        if (comment_.empty())
-            comment_ = comment;
-        if (!phrase_.empty() && !IsBlank(phrase_.back()))
-            phrase_ += ' ';
+        return comment;
     }
 
     // What follows '<' up to '>', or to the comma where the bracket is never closed.
@@ -138,8 +146,11 @@ private:
                     break;
             }
             quoted = c == '"' ? !quoted : quoted;
-            inside += c;
             ++at_;
+            if (!quoted && c == '(')
+                SkipComment();
+            else
+                inside += c;
         }
         if (at_ < text_.size() && text_[at_] == '>')
             ++at_;
@@ -154,7 +165,9 @@ private:
 
     bool BeginGroup()
     {
-        if (inGroup_ || bracketed_ || phrase_.find('@') != phrase_.npos || text_.find(';', at_) == text_.npos)
+        if (inGroup_ || bracketed_ || lastSemicolon_ == text_.npos || lastSemicolon_ < at_)
+            return false;
+        if (phrase_.find('@') != phrase_.npos)
             return false;
         inGroup_ = true;
         phrase_.clear();
@@ -166,11 +179,12 @@ private:
     {
         std::string name = DecodeHeaderText(Trimmed(phrase_), guess_);
         std::string address = DecodeHeaderText(address_, guess_);
-        if (!bracketed_ && name.find('@') != name.npos && name.find(' ') == name.npos) {
+        // Without brackets the address is what was read, also where an archive has made "ann at x.org" of it.
+        if (!bracketed_ && ((name.find('@') != name.npos && name.find(' ') == name.npos) || !comment_.empty())) {
             address = std::move(name);
             name.clear();
         }
-        if (name.empty())
+        if (name.empty() && !address.empty())
             name = DecodeHeaderText(Trimmed(comment_), guess_);
         Add(StripQuotes(std::move(name)), address);
         phrase_.clear();
@@ -203,6 +217,7 @@ private:
 
     std::string_view text_;
     std::string_view guess_;
+    size_t lastSemicolon_;  // a group must end
     size_t at_ = 0;
     std::string phrase_;
     std::string comment_;

@@ -8,7 +8,7 @@
 namespace pavex {
 namespace {
 
-constexpr int kFirstYear = 1970;
+constexpr int kFirstYear = 1900;
 constexpr int kLastYear = 2199;
 constexpr int kFarthestZone = 14 * 60;  // minutes
 
@@ -269,7 +269,7 @@ std::optional<int64_t> SecondsOf(const DateParts& parts)
         return std::nullopt;
     const int64_t seconds = DayNumber(parts.year, parts.month, parts.day) * 86400 + parts.hour * 3600 +
                             parts.minute * 60 + parts.second - parts.zone * 60;
-    return seconds < 0 ? std::nullopt : std::optional<int64_t>(seconds);
+    return seconds;
 }
 
 }  // namespace

@@ -46,6 +46,10 @@ bool IsAttachment(GMimeObject* part)
 
 bool IsReadableText(GMimeObject* part)
 {
+    // A media type that is none stands for the default one, which is plain text.
+    const std::string_view declared = OrEmpty(g_mime_object_get_header(part, "Content-Type"));
+    if (!declared.empty() && declared.find('/') == declared.npos)
+        return true;
     if (!IsType(part, "text", "*"))
         return false;
     return std::none_of(std::begin(kUnreadableText), std::end(kUnreadableText),
@@ -78,8 +82,10 @@ std::string ReadContent(GMimePart* part, size_t maxBytes)
         decoded.resize(g_mime_encoding_step(&decoder, raw.data(), static_cast<size_t>(count), decoded.data()));
         content += decoded;
     }
-    decoded.resize(g_mime_encoding_outlen(&decoder, 0) + 64);
-    decoded.resize(g_mime_encoding_flush(&decoder, raw.data(), 0, decoded.data()));
+    // Missing padding would cost the last character.
+    const std::string_view padding = decoder.encoding == GMIME_CONTENT_ENCODING_BASE64 ? "==" : "";
+    decoded.resize(g_mime_encoding_outlen(&decoder, padding.size()) + 64);
+    decoded.resize(g_mime_encoding_flush(&decoder, padding.data(), padding.size(), decoded.data()));
     content += decoded;
     if (content.size() > maxBytes)
         content.resize(maxBytes);

@@ -58,26 +58,25 @@ bool LooksLikeMessage(const SourceFile& file)
     std::string_view head = file.head;
     if (head.starts_with("\xEF\xBB\xBF"))
         head.remove_prefix(3);
+    head.remove_prefix(std::min(head.find_first_not_of(" \t\r\n"), head.size()));
     MessageScan scan;
-    Line line;
+    bool wellFormed = true;  // nothing but fields, up to the empty line after them
     bool first = true;
-    while (!head.empty()) {
-        const size_t end = std::min(head.find_first_of("\r\n"), head.size());
-        line.text = head.substr(0, end);
-        const bool crlf = head.substr(end).starts_with("\r\n");
-        head.remove_prefix(std::min(end + (crlf ? 2 : 1), head.size()));
-        if (line.text.empty() && first)
-            continue;
-        if (line.text.empty())
-            break;
-        if (first && !IsHeaderLine(line.text) && !line.text.starts_with("From ") && !line.text.starts_with(">From "))
+    for (Line line; !head.empty() && !scan.Facts().headerEnded; first = false) {
+        line.text = head.substr(0, head.find_first_of("\r\n"));
+        head.remove_prefix(line.text.size());
+        head.remove_prefix(std::min<size_t>(head.starts_with("\r\n") ? 2 : 1, head.size()));
+        const bool field = IsHeaderLine(line.text);
+        const bool separator = line.text.starts_with("From ") || line.text.starts_with(">From ");
+        if (first && !field && !separator)
             return false;
-        first = false;
+        wellFormed =
+            wellFormed && (field || separator || line.text.empty() || line.text[0] == ' ' || line.text[0] == '\t');
         scan.Add(line);
     }
-    const MessageFacts facts = scan.Finish();
-    // Two of them: a script's comment or a table of settings easily begins like one.
-    return facts.mailFields >= (file.place == SourceFile::Place::kNamed ? 1U : 2U);
+    const bool ended = scan.Facts().headerEnded || file.size <= file.head.size();
+    // A script's comment or a table of settings easily begins like one field of a message.
+    return scan.Finish().mailFields >= (wellFormed && ended ? 1U : 2U);
 }
 
 bool HandOutMessage(MessagePlace place, const ImportOptions& options, EntryHandler& handler)
@@ -125,8 +124,12 @@ bool ReadMessage(const SourceFile& file, const ImportOptions& options, EntryHand
                 place.deliveryDate = date;
             continue;
         }
-        if (!begun)
-            place.start = line.offset;
+        if (!begun) {
+            // Blanks before the first field, as a careless copy leaves them, are no continuation of anything.
+            const size_t blanks = std::min(line.text.find_first_not_of(" \t"), line.text.size());
+            line.text.remove_prefix(blanks);
+            place.start = line.offset + blanks;
+        }
         begun = true;
         scan.Add(line);
         constexpr uint64_t kProgressBytes = 8 * 1024 * 1024;
