@@ -74,9 +74,10 @@ template <typename Reference> Reference ToMutableRef(Object* object)
     return static_cast<Reference>(static_cast<void*>(object));
 }
 
+// Exhausted memory ends the process here: an exception must not leave a C function.
 template <typename T, typename... Arguments> T* New(Arguments&&... arguments) noexcept
 {
-    return new T(std::forward<Arguments>(arguments)...);
+    return new T(std::forward<Arguments>(arguments)...);  // NOLINT(bugprone-unhandled-exception-at-new)
 }
 
 // Holds one reference to an object, or none.

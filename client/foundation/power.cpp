@@ -108,7 +108,8 @@ std::optional<Supplies> ReadSupplies(const std::string& root)
         return std::nullopt;
     Supplies supplies;
     for (const std::string& name : *names) {
-        const std::string supply = root + '/' + name;
+        std::string supply = root;
+        supply.append(1, '/').append(name);
         const std::optional<Role> role = RoleOf(supply);
         if (role == Role::Source) {
             // Most drivers of built-in batteries leave "present" out.

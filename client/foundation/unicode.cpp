@@ -9,7 +9,7 @@ namespace {
 // forms, surrogates and code points above U+10FFFF out; further bytes are always 80..BF.
 struct LeadRow {
     unsigned char first, last;  // range of the first byte
-    size_t length;              // bytes in all
+    unsigned char length;       // bytes in all
     unsigned char low, high;    // range of the second byte
     unsigned char mask;         // payload bits of the first byte
 };

@@ -126,6 +126,7 @@ TEST_F(FoundationBundle, AnswersManyThreadsAtOnce)
     AddTable("de", "1 = \"eins\";");
     const auto bundle = MakeBundle();
     std::vector<std::thread> threads;
+    threads.reserve(4);
     for (int i = 0; i < 4; ++i) {
         threads.emplace_back([&bundle] {
             for (int k = 0; k < 300; ++k) {

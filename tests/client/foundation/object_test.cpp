@@ -54,6 +54,7 @@ TEST_F(ObjectOwnership, ReferencesAreCountedAcrossThreads)
 {
     const auto string = Make(u"shared");
     std::vector<std::thread> threads;
+    threads.reserve(4);
     for (int i = 0; i < 4; ++i) {
         threads.emplace_back([&string] {
             for (int k = 0; k < 2000; ++k) {
@@ -73,7 +74,9 @@ using ObjectOwnershipDeathTest = ObjectOwnership;
 TEST_F(ObjectOwnershipDeathTest, NullAndWrongKindsEndTheProcess)
 {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
+    // Misused on purpose.  NOLINTBEGIN(clang-analyzer-osx.*)
     EXPECT_DEATH(CFRetain(nullptr), "");
     EXPECT_DEATH(CFRelease(nullptr), "");
+    // NOLINTEND(clang-analyzer-osx.*)
     EXPECT_DEATH(CFStringGetLength(static_cast<CFStringRef>(static_cast<const void*>(kCFBooleanTrue))), "");
 }

@@ -17,7 +17,7 @@ protected:
     {
         std::filesystem::create_directory(folder_ / name);
         for (const auto& [attribute, value] : attributes)
-            WriteWholeFile(folder_ / (name + "/" + attribute), value + "\n");
+            WriteWholeFile((folder_.Path() / name / attribute).string(), value + "\n");
     }
     // Each source as "present, state".
     static std::vector<std::string> Sources()
