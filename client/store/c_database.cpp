@@ -151,7 +151,7 @@ void VLTDbInfoParse(const char* info128, WORD field, char* buffer, WORD size)
     const std::string_view info(info128, strnlen(info128, pavex::kInfoBytes));
     const std::string_view title = field == pavex::kInfoTitle ? info.substr(0, info.find('\n')) : std::string_view{};
     const size_t bytes = pavex::ScsPrefix(title, size - 1U);
-    std::memcpy(buffer, title.data(), bytes);
+    title.copy(buffer, bytes);
     buffer[bytes] = '\0';
 }
 

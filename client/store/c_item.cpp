@@ -15,7 +15,7 @@ namespace {
 WORD WriteTerminated(std::string_view scs, char* text, WORD maxText)
 {
     const size_t bytes = ScsPrefix(scs, maxText);
-    std::memcpy(text, scs.data(), bytes);
+    scs.copy(text, bytes);
     text[bytes] = '\0';
     return static_cast<WORD>(bytes);
 }
