@@ -108,7 +108,9 @@ void LineWriter::WriteFullLines()
             cut = lastOfWord + 1;
         } else {
             // Not even one character may fit; it is written all the same.
-            cut = std::max(ScsPrefix(rest, form_.mostBytes), std::min(ScsCodec::Decode(rest).bytes, rest.size()));
+            cut = std::max(ScsPrefix(rest, form_.mostBytes), ScsCodec::Decode(rest).bytes);
+            if (cut == rest.size())
+                break;
         }
         file_->Write(rest.substr(0, cut));
         file_->Write(form_.end);
