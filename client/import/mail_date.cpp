@@ -267,8 +267,8 @@ std::optional<int64_t> SecondsOf(const DateParts& parts)
         return std::nullopt;
     if (parts.hour < 0 || parts.hour > 23 || parts.minute > 59 || parts.second > 60)
         return std::nullopt;
-    const int64_t seconds = DayNumber(parts.year, parts.month, parts.day) * 86400 + parts.hour * 3600 +
-                            parts.minute * 60 + parts.second - parts.zone * 60;
+    const int64_t minutes = int64_t{60} * parts.hour + parts.minute - parts.zone;
+    const int64_t seconds = DayNumber(parts.year, parts.month, parts.day) * 86400 + minutes * 60 + parts.second;
     return seconds;
 }
 

@@ -20,7 +20,7 @@ struct MessageText {
 // Of all parts together the first kMostTextBytes and kMostLines are read.
 MessageText ReadMessageText(GMimeMessage* message);
 
-constexpr size_t kMostTextBytes = 16 * 1024 * 1024;
+constexpr size_t kMostTextBytes = size_t{16} * 1024 * 1024;
 constexpr size_t kMostLines = 500'000;
 
 }  // namespace pavex

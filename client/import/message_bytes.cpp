@@ -44,10 +44,10 @@ std::string_view Unquoted(std::string_view text)
     return depth > 0 && text.substr(depth).starts_with("From ") ? text.substr(1) : text;
 }
 
-// Where parsing stops: at the end, or where what could be MIME boundaries goes past all sane numbers.
+// Where parsing stops.
 uint64_t ParsedEnd(const MessagePlace& place)
 {
-    return place.facts.boundaryFlood != 0 ? place.facts.boundaryFlood : place.end;
+    return place.facts.parsedEnd != 0 ? place.facts.parsedEnd : place.end;
 }
 
 // Copies the message line by line with the line ends and "From " lines it was sent with.

@@ -15,6 +15,8 @@ constexpr size_t kFieldBytesKept = 2000;
 constexpr size_t kLongestId = 500;
 // Ordinary mail has a few dozen lines that begin with "--"; a part is a kilobyte of memory in the parser.
 constexpr uint64_t kMostDashLines = 50000;
+// Longest preamble or epilogue of a multipart message that is parsed, in bytes.
+constexpr uint64_t kLongestOutside = 1024 * 1024;
 
 bool SameName(std::string_view a, const char* b)
 {
@@ -82,6 +84,21 @@ void TakeMailboxRecord(std::string_view, MessageFacts* facts)
 }
 
 void Nothing(std::string_view, MessageFacts*) {}
+
+// The delimiter line of a multipart message, from its Content-Type; empty when there is none to find.
+std::string DelimiterOf(std::string_view contentType)
+{
+    static constexpr std::string_view kName = "boundary=";
+    const auto* const found = std::search(contentType.begin(), contentType.end(), kName.begin(), kName.end(),
+                                          [](char a, char b) { return (a | 0x20) == (b | 0x20); });
+    if (found == contentType.end() || strncasecmp(contentType.data(), "multipart/", 10) != 0)
+        return {};
+    std::string_view value = contentType.substr(static_cast<size_t>(found - contentType.begin()) + kName.size());
+    const bool quoted = value.starts_with('"');
+    value.remove_prefix(quoted ? 1 : 0);
+    value = value.substr(0, value.find_first_of(quoted ? "\"\r\n" : "; \t\r\n("));
+    return value.empty() ? std::string() : "--" + std::string(value);
+}
 
 struct FieldRow {
     const char* name;
@@ -162,6 +179,8 @@ void MessageScan::Add(const Line& line)
     if (!facts_.headerEnded && line.starts && line.text.empty() && line.ends) {
         TakeField();
         facts_.headerEnded = true;
+        outside_ = !boundary_.empty();
+        outsideSince_ = line.endOffset;
     }
     if (!facts_.headerEnded)
         AddHeaderLine(line);
@@ -177,8 +196,7 @@ void MessageScan::Add(const Line& line)
             facts_.quotedFrom = facts_.quotedFrom || depth > 0;
             text.remove_prefix(depth);
         }
-        if (text.starts_with("--") && ++dashLines_ > kMostDashLines && facts_.boundaryFlood == 0)
-            facts_.boundaryFlood = line.offset;
+        WatchBoundaries(line);
         // A line break for each line before this one: those at the end of the message are never hashed.
         for (uint64_t lines = pendingBlanks_ + (anyLine_ ? 1 : 0); lines > 0; --lines)
             Hash("\n");
@@ -186,6 +204,23 @@ void MessageScan::Add(const Line& line)
         anyLine_ = true;
     }
     Hash(text);
+}
+
+void MessageScan::WatchBoundaries(const Line& line)
+{
+    if (facts_.parsedEnd != 0 || !facts_.headerEnded)
+        return;
+    const bool dashes = line.text.starts_with("--");
+    if (dashes && ++dashLines_ > kMostDashLines)
+        facts_.parsedEnd = line.offset;
+    if (boundary_.empty())
+        return;
+    if (dashes && line.text.starts_with(boundary_)) {
+        outside_ = line.text.substr(boundary_.size()).starts_with("--");
+        outsideSince_ = line.endOffset;
+    } else if (outside_ && line.offset - outsideSince_ > kLongestOutside) {
+        facts_.parsedEnd = line.offset;
+    }
 }
 
 void MessageScan::AddHeaderLine(const Line& line)
@@ -212,8 +247,11 @@ void MessageScan::TakeField()
     const std::string_view field = field_;
     if (IsHeaderLine(field)) {
         const FieldRow* row = FindField(field.substr(0, NameLength(field)));
+        const std::string_view value = Trimmed(field.substr(field.find(':') + 1));
         if (row != nullptr)
-            row->take(Trimmed(field.substr(field.find(':') + 1)), &facts_);
+            row->take(value, &facts_);
+        if (SameName(field.substr(0, NameLength(field)), "Content-Type"))
+            boundary_ = DelimiterOf(value);
     }
     field_.clear();
 }

@@ -31,8 +31,9 @@ struct MessageFacts {
     uint64_t headerBytes = 0;
     bool quotedFrom = false;  // has lines of ">From "
     bool nulInHeader = false;
-    // Offset of the first line past the sane number of lines that could be MIME boundaries; 0: not reached.
-    uint64_t boundaryFlood = 0;
+    // Offset where parsing can stop: past the sane number of lines that could be MIME boundaries, or where no
+    // boundary was met for so long that the parser would hold all of it as a preamble or epilogue; 0: the end.
+    uint64_t parsedEnd = 0;
     bool headerEnded = false;
     std::optional<uint64_t> contentLength;
 };
@@ -50,12 +51,16 @@ public:
 private:
     void AddHeaderLine(const Line& line);
     void TakeField();
+    void WatchBoundaries(const Line& line);
     void Hash(std::string_view bytes);
 
     ChecksumOwner checksum_;
     MessageFacts facts_;
     uint64_t pendingBlanks_ = 0;  // empty lines that count only when something follows
     uint64_t dashLines_ = 0;
+    std::string boundary_;       // of a multipart message, with its dashes
+    uint64_t outsideSince_ = 0;  // offset from which on the lines are in no part
+    bool outside_ = false;
     std::string field_;     // first bytes of the field that is being read, name and value
     bool leftOut_ = false;  // the field is no part of the digest
     bool anyLine_ = false;

@@ -16,6 +16,7 @@ MessageFacts Scan(std::string_view text)
         line.text = text.substr(0, end);
         line.hasBreak = end != text.npos;
         line.offset = offset;
+        line.endOffset = offset + line.text.size() + 1;
         text.remove_prefix(line.hasBreak ? end + 1 : text.size());
         offset += line.text.size() + 1;
         scan.Add(line);
@@ -75,9 +76,21 @@ TEST(MessageScan, NotesWhereBoundariesBecomeAFlood)
     std::string text = "Subject: x\n\n";
     for (int i = 0; i < 50000; ++i)
         text += "--b\n";
-    EXPECT_EQ(Scan(text).boundaryFlood, 0U);
+    EXPECT_EQ(Scan(text).parsedEnd, 0U);
     const uint64_t end = text.size();
-    EXPECT_EQ(Scan(text + "--b\n--b\n").boundaryFlood, end);
+    EXPECT_EQ(Scan(text + "--b\n--b\n").parsedEnd, end);
+}
+
+TEST(MessageScan, EndsAPreambleOrEpilogueThatHasNoEnd)
+{
+    std::string megabytes;
+    while (megabytes.size() < size_t{3} * 1024 * 1024)
+        megabytes += "not a boundary\n";
+    const std::string head = "Content-Type: multipart/mixed;\n boundary=\"b c\"\n\n";
+    EXPECT_GT(Scan(head + megabytes).parsedEnd, 1024U * 1024);
+    EXPECT_EQ(Scan(head + "--b c\n" + megabytes + "--b c--\n").parsedEnd, 0U) << "an attachment may be large";
+    EXPECT_GT(Scan(head + "--b c\n--b c--\n" + megabytes).parsedEnd, 0U);
+    EXPECT_EQ(Scan("Content-Type: text/plain; boundary=b\n\n" + megabytes).parsedEnd, 0U);
 }
 
 TEST(MessageScan, TellsHeaderFieldsFromText)
