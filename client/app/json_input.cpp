@@ -7,7 +7,7 @@ namespace pavex {
 
 namespace {
 
-using Json = nlohmann::json;
+using Json = nlohmann::ordered_json;
 
 bool IsBlank(const std::string& line)
 {

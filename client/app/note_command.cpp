@@ -49,7 +49,7 @@ public:
     {
     }
 
-    bool Take(const nlohmann::json& value, size_t line, const std::string& error)
+    bool Take(const nlohmann::ordered_json& value, size_t line, const std::string& error)
     {
         Note note;
         std::string wrong = error;
@@ -125,7 +125,7 @@ int Put(const NoteOptions& options)
         return FailWith(status, path);
     NoteWriter writer(database.get(), options.input == "-" ? "standard input" : options.input, options.json);
     ReadJsonValues(options.input == "-" ? std::cin : file,
-                   [&writer](const nlohmann::json& value, size_t line, const std::string& error) {
+                   [&writer](const nlohmann::ordered_json& value, size_t line, const std::string& error) {
                        return writer.Take(value, line, error);
                    });
     if (const STATUS status = writer.Finish(); status != 0)

@@ -12,8 +12,7 @@ namespace pavex {
 
 namespace {
 
-using Json = nlohmann::json;
-using OrderedJson = nlohmann::ordered_json;
+using Json = nlohmann::ordered_json;
 
 constexpr char kHexDigits[] = "0123456789ABCDEF";
 
@@ -40,6 +39,12 @@ std::optional<std::string> BytesFromHex(const std::string& hex)
 std::optional<TIMEDATE> TimeOf(const Json& json)
 {
     return json.is_string() ? TimeFromIso(json.get<std::string>()) : std::nullopt;
+}
+
+// A value as an error names it.  A list or object is not written out: it may be nested without end.
+std::string Shown(const Json& json)
+{
+    return json.is_structured() ? json.is_array() ? "a list" : "an object" : json.dump();
 }
 
 // ---- Values, from JSON -----------------------------------------------------------------------
@@ -70,7 +75,7 @@ ReadValue ReadTimes(const std::string& name, const Json& json)
     for (const Json& entry : json) {
         const std::optional<TIMEDATE> time = TimeOf(entry);
         if (!time)
-            return Refuse("holds " + entry.dump() + ", which is not a time");
+            return Refuse("holds " + Shown(entry) + ", which is not a time");
         times.push_back(*time);
     }
     return {TimeListItem(name, times), {}};
@@ -95,6 +100,12 @@ bool ReadLink(const Json& json, NOTELINK* link, std::string* label)
     return true;
 }
 
+bool IsRule(const Json& piece)
+{
+    const auto rule = piece.find("rule");
+    return rule != piece.end() && rule->is_boolean() && rule->get<bool>();
+}
+
 ReadValue ReadRichTextValue(const std::string& name, const Json& json)
 {
     if (!json.is_array())
@@ -107,10 +118,10 @@ ReadValue ReadRichTextValue(const std::string& name, const Json& json)
             builder.AddParagraph(piece.get<std::string>());
         else if (piece.is_object() && piece.contains("link") && ReadLink(piece["link"], &link, &label))
             builder.AddLink(link, label);
-        else if (piece.is_object() && piece.value("rule", Json()) == Json(true))
+        else if (IsRule(piece))
             builder.AddRule();
         else
-            return Refuse("holds " + piece.dump() + ", which is no paragraph, link or rule");
+            return Refuse("holds " + Shown(piece) + ", which is no paragraph, link or rule");
     }
     return {RichTextItem(name, builder.Records()), {}};
 }
@@ -161,7 +172,7 @@ ReadValue ReadTextList(const std::string& name, const Json& json)
     std::vector<std::string> entries;
     for (const Json& entry : json) {
         if (!entry.is_string())
-            return Refuse("holds " + entry.dump() + ", which is not text");
+            return Refuse("holds " + Shown(entry) + ", which is not text");
         entries.push_back(entry.get<std::string>());
         if (ScsFromUtf8(entries.back()).size() > 0xFFFF)
             return Refuse("holds a text of more than 65535 bytes");
@@ -181,7 +192,7 @@ ReadValue ReadItem(const std::string& name, const Json& json)
         return ReadTextList(name, json);
     if (json.is_object())
         return ReadObject(name, json);
-    return Refuse("is " + json.dump() + ", which is no value of an item");
+    return Refuse("is " + Shown(json) + ", which is no value of an item");
 }
 
 bool IsItemName(const std::string& name)
@@ -278,12 +289,12 @@ std::string ReadMember(const std::string& key, const Json& value, Note* note)
 
 // ---- Values, to JSON -------------------------------------------------------------------------
 
-OrderedJson WriteRaw(const Item& item)
+Json WriteRaw(const Item& item)
 {
     return {{"type", item.type}, {"hex", HexFromBytes(item.value)}};
 }
 
-OrderedJson WriteText(const Item& item)
+Json WriteText(const Item& item)
 {
     const auto values = TextValues(item);
     if (!values)
@@ -293,29 +304,29 @@ OrderedJson WriteText(const Item& item)
     return *values;
 }
 
-OrderedJson WriteNumber(const Item& item)
+Json WriteNumber(const Item& item)
 {
     const std::optional<double> number = NumberValue(item);
-    return number ? OrderedJson(*number) : WriteRaw(item);
+    return number ? Json(*number) : WriteRaw(item);
 }
 
-OrderedJson WriteTimes(const Item& item)
+Json WriteTimes(const Item& item)
 {
     const auto times = TimeValues(item);
     if (!times || (item.type == kTypeTime && times->size() != 1))
         return WriteRaw(item);
     if (item.type == kTypeTime)
         return {{"time", IsoFromTime(times->front())}};
-    OrderedJson list = OrderedJson::array();
+    Json list = Json::array();
     for (const TIMEDATE& time : *times)
         list.push_back(IsoFromTime(time));
     return {{"times", list}};
 }
 
-OrderedJson WriteRichText(const Item& item)
+Json WriteRichText(const Item& item)
 {
     bool damaged = false;
-    OrderedJson pieces = OrderedJson::array();
+    Json pieces = Json::array();
     for (const RichTextPiece& piece : ReadRichText(item.value, &damaged)) {
         switch (piece.kind) {
         case RichTextPiece::Kind::kParagraph:
@@ -333,29 +344,38 @@ OrderedJson WriteRichText(const Item& item)
             break;
         }
     }
-    return damaged ? WriteRaw(item) : OrderedJson{{"richtext", pieces}};
+    return damaged ? WriteRaw(item) : Json{{"richtext", pieces}};
 }
 
-OrderedJson WriteFormula(const Item& item)
+Json WriteFormula(const Item& item)
 {
     return {{"formula", Utf8FromScs(item.value)}};
 }
 
 struct TypeForm {
     uint16_t type;
-    OrderedJson (*write)(const Item& item);
+    Json (*write)(const Item& item);
 };
 constexpr TypeForm kTypeForms[] = {
     {kTypeText, WriteText},       {kTypeTextList, WriteText},     {kTypeNumber, WriteNumber},   {kTypeTime, WriteTimes},
     {kTypeTimeRange, WriteTimes}, {kTypeRichText, WriteRichText}, {kTypeFormula, WriteFormula},
 };
 
-OrderedJson WriteItem(const Item& item)
+Json WriteItem(const Item& item)
 {
     for (const TypeForm& form : kTypeForms)
         if (form.type == item.type)
             return form.write(item);
     return WriteRaw(item);
+}
+
+// Left out when it is no time: the creation time is part of the UNID, and that may be any number.
+void WriteStamp(const char* key, const TIMEDATE& stamp, Json* json)
+{
+    const Json text = IsoFromTime(stamp);
+    TIMEDATE again;
+    if (ReadStamp(text, &again).empty())
+        (*json)[key] = text;
 }
 
 }  // namespace
@@ -379,18 +399,19 @@ bool NoteFromJson(const Json& json, Note* note, std::string* error)
     return true;
 }
 
-OrderedJson JsonFromNote(const Note& note)
+Json JsonFromNote(const Note& note)
 {
-    OrderedJson items = OrderedJson::object();
+    Json items = Json::object();
     for (const Item& item : note.items)
         if (!items.contains(item.name))  // of several items of a name the first counts
             items[item.name] = WriteItem(item);
-    return {{"items", items},
-            {"created", IsoFromTime(note.created)},
-            {"modified", IsoFromTime(note.modified)},
-            {"unid", HexFromUnid(note.unid)},
-            {"class", note.noteClass == kClassForm ? "form" : "document"},
-            {"sealed", note.sealed}};
+    Json json{{"items", items}};
+    WriteStamp("created", note.created, &json);
+    WriteStamp("modified", note.modified, &json);
+    json["unid"] = HexFromUnid(note.unid);
+    json["class"] = note.noteClass == kClassForm ? "form" : "document";
+    json["sealed"] = note.sealed;
+    return json;
 }
 
 }  // namespace pavex

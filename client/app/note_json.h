@@ -10,7 +10,7 @@ namespace pavex {
 
 // Reads a note.  False with *error, which names the member and the reason, when the JSON is no note;
 // *note is then left half filled.  Takes any JSON value without throwing.
-bool NoteFromJson(const nlohmann::json& json, Note* note, std::string* error);
+bool NoteFromJson(const nlohmann::ordered_json& json, Note* note, std::string* error);
 
 // What NoteFromJson reads back as the same note.  An item whose value is damaged, or of a type that JSON
 // has no form for, comes as {"type": number, "hex": "bytes"}.
