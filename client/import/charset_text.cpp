@@ -108,7 +108,7 @@ std::string Convert(std::string_view bytes, UConverter* converter, size_t* repla
     const char* source = bytes.data();
     const char* const end = source + bytes.size();
     constexpr int32_t kUnits = 4096;
-    char16_t units[kUnits];
+    char16_t units[kUnits] = {};
     char buffer[kUnits * 3];
     *replaced = 0;
     UErrorCode status = U_ZERO_ERROR;

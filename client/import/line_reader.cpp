@@ -10,8 +10,8 @@
 namespace pavex {
 namespace {
 
-constexpr size_t kBufferBytes = 256 * 1024;
-constexpr size_t kProbedBytes = 64 * 1024;
+constexpr size_t kBufferBytes = size_t{256} * 1024;
+constexpr size_t kProbedBytes = size_t{64} * 1024;
 
 }  // namespace
 

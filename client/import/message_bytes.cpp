@@ -56,7 +56,7 @@ bool CopyAsSent(const MessagePlace& place, int from, int to, std::string* reason
     LineReader lines(from, place.start, ParsedEnd(place));
     Line line;
     std::string piece;
-    constexpr size_t kPieceBytes = 64 * 1024;
+    constexpr size_t kPieceBytes = size_t{64} * 1024;
     bool inHeader = true;
     bool written = true;
     while (written && lines.Next(&line)) {

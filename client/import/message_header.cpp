@@ -12,7 +12,7 @@ namespace pavex {
 namespace {
 
 // A field that is longer says nothing that anybody reads; addresses of a mailing are cut at this.
-constexpr size_t kLongestField = 1024 * 1024;
+constexpr size_t kLongestField = size_t{1024} * 1024;
 
 }  // namespace
 

@@ -16,7 +16,7 @@ namespace pavex {
 namespace {
 
 // A header larger than this would have to be held in memory to be parsed, and says nothing.
-constexpr uint64_t kLargestHeader = 16 * 1024 * 1024;
+constexpr uint64_t kLargestHeader = uint64_t{16} * 1024 * 1024;
 
 bool HasSuffix(std::string_view path, std::string_view suffix)
 {
@@ -132,7 +132,7 @@ bool ReadMessage(const SourceFile& file, const ImportOptions& options, EntryHand
         }
         begun = true;
         scan.Add(line);
-        constexpr uint64_t kProgressBytes = 8 * 1024 * 1024;
+        constexpr uint64_t kProgressBytes = uint64_t{8} * 1024 * 1024;
         if (line.endOffset - reported >= kProgressBytes) {
             if (!handler.Progress(line.endOffset - reported))
                 return false;

@@ -16,7 +16,7 @@ constexpr size_t kLongestId = 500;
 // Ordinary mail has a few dozen lines that begin with "--"; a part is a kilobyte of memory in the parser.
 constexpr uint64_t kMostDashLines = 50000;
 // Longest preamble or epilogue of a multipart message that is parsed, in bytes.
-constexpr uint64_t kLongestOutside = 1024 * 1024;
+constexpr uint64_t kLongestOutside = size_t{1024} * 1024;
 
 bool SameName(std::string_view a, const char* b)
 {
