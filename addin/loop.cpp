@@ -127,12 +127,12 @@ void SleepForMilli(uint32_t milliseconds, bool inPass)
     const uint32_t limit = std::min(milliseconds, kLongestWaitMs);
     OSSetThreadPriority(-1);
     while (OSGetSystemTimer() - start < limit && !RequestEndsWait(inPass)) {
-        if (IsDebugLots())
-            LogEvent(kLogPoll, 0, 0);
         if (!inPass) {
             IndexHistory();
             OSSetThreadPriority(-1);  // a history pass ends at normal priority
         }
+        if (IsDebugLots())
+            LogEvent(kLogPoll, 0, 0);
         const DWORD elapsed = OSGetSystemTimer() - start;
         if (elapsed < limit)
             OSDelayThread(std::min(kPollMs, limit - elapsed));

@@ -46,7 +46,7 @@ TableOwner OpenUnreadTable(DBHANDLE db)
 
 void RecordNothingModified(int slot, TIMEDATE* until, const char* path, bool history)
 {
-    SetDbTimestamp(slot, until, nullptr, 0, 0, 0);
+    RecordPass(slot, path, until, nullptr, 0, 0, 0);
     if (IsDebug())
         LogEvent(kLogNothingModified, 0, 0, path);
     if (!history) {
@@ -71,17 +71,12 @@ void LogPassEnd(const INDEXCONTEXT& context, STATUS status, const char* path)
 void RecordOutcome(int slot, TIMEDATE* since, TIMEDATE* until, const INDEXCONTEXT& context, STATUS status,
                    const char* path)
 {
-    // The dialog may have given the slot to another database meanwhile: this one's times are not its.
-    char current[kPathBytes + 1] = "";
-    const bool slotIsOurs = GetDbPath(slot, current, kPathBytes) && std::string_view(current) == path;
-    if (slotIsOurs) {
-        if (context.stopped) {
-            const bool counted = !context.history;
-            SetDbTimestamp(slot, since, until, context.currentNote, counted ? GlobalContext.processed.load() : 0,
-                           counted ? GlobalContext.total.load() : 0);
-        } else {
-            SetDbTimestamp(slot, status == 0 ? until : since, nullptr, 0, 0, 0);
-        }
+    if (context.stopped) {
+        const bool counted = !context.history;
+        RecordPass(slot, path, since, until, context.currentNote, counted ? GlobalContext.processed.load() : 0,
+                   counted ? GlobalContext.total.load() : 0);
+    } else {
+        RecordPass(slot, path, status == 0 ? until : since, nullptr, 0, 0, 0);
     }
     if (context.stopped && IsDebug())
         LogEvent(kLogPassStopped, 0, context.lastStatus, path);
@@ -113,50 +108,10 @@ STATUS EnumerateTable(IDTABLE table, INDEXCONTEXT* context, const char* path)
     return status;
 }
 
-void PassFromStoredTime(int slot, DBHANDLE db, bool history, std::atomic<uint8_t>& logged, const char* path)
-{
-    TIMEDATE since;
-    TimeConstant(0, &since);
-    GetDbTimestamp(slot, &since);  // without a stored time it stays the minimum: everything is new
-    TIMEDATE until;
-    unsigned resumeNote = 0;
-    if (GetDbRecovery(slot, &until, &resumeNote)) {
-        IndexMailDBSinceUntil(slot, db, &since, &until, resumeNote, history);
-        return;
-    }
-    if (const STATUS status = VLTDbModifiedTime(db, &until, nullptr); status != 0) {
-        LogOncePerSlot(logged, kLogNoModifiedTime, status, path);
-        return;
-    }
-    if (until.Innards[0] == 0 || until.Innards[1] == 0)
-        OSCurrentTIMEDATE(&until);
-    IndexMailDBSinceUntil(slot, db, &since, &until, 0, history);
-}
-
-}  // namespace
-
-void IndexFile(int slot, bool history)
-{
-    char path[kPathBytes + 1] = "";
-    if (!GetDbPath(slot, path, kPathBytes))
-        return;
-    EnsureIdle();
-    std::atomic<uint8_t>& logged = history ? bLoggedHistory : bLogged[slot];
-    DatabaseOwner db;
-    const STATUS status = VerifyDatabase(0, path, db.Out());
-    if (status != 0)
-        LogOncePerSlot(logged, kLogCannotOpen, status, path);
-    else if (IsDebug())
-        LogEvent(kLogOpened, 0, 0, path);
-    if (db.Get() != 0)
-        PassFromStoredTime(slot, db.Get(), history, logged, path);
-}
-
-STATUS IndexMailDBSinceUntil(int slot, DBHANDLE db, TIMEDATE* since, TIMEDATE* until, NOTEID resumeNote, bool history)
+STATUS PassSinceUntil(int slot, const char* path, DBHANDLE db, TIMEDATE* since, TIMEDATE* until, NOTEID resumeNote,
+                      bool history)
 {
     EnsureIdle();
-    char path[kPathBytes + 1] = "";
-    GetDbPath(slot, path, kPathBytes);
     TIMEDATE minimum;
     TimeConstant(0, &minimum);
 
@@ -194,4 +149,50 @@ STATUS IndexMailDBSinceUntil(int slot, DBHANDLE db, TIMEDATE* since, TIMEDATE* u
     const STATUS status = EnumerateTable(table.Get(), &context, path);
     RecordOutcome(slot, since != nullptr ? since : &minimum, until, context, status, path);
     return status;
+}
+
+void PassFromStoredTime(int slot, DBHANDLE db, bool history, std::atomic<uint8_t>& logged, const char* path)
+{
+    TIMEDATE since;
+    TimeConstant(0, &since);
+    GetDbTimestamp(slot, &since);  // without a stored time it stays the minimum: everything is new
+    TIMEDATE until;
+    unsigned resumeNote = 0;
+    if (GetDbRecovery(slot, &until, &resumeNote)) {
+        PassSinceUntil(slot, path, db, &since, &until, resumeNote, history);
+        return;
+    }
+    if (const STATUS status = VLTDbModifiedTime(db, &until, nullptr); status != 0) {
+        LogOncePerSlot(logged, kLogNoModifiedTime, status, path);
+        return;
+    }
+    if (until.Innards[0] == 0 || until.Innards[1] == 0)
+        OSCurrentTIMEDATE(&until);
+    PassSinceUntil(slot, path, db, &since, &until, 0, history);
+}
+
+}  // namespace
+
+void IndexFile(int slot, bool history)
+{
+    char path[kPathBytes + 1] = "";
+    if (!GetDbPath(slot, path, kPathBytes))
+        return;
+    EnsureIdle();
+    std::atomic<uint8_t>& logged = history ? bLoggedHistory : bLogged[slot];
+    DatabaseOwner db;
+    const STATUS status = VerifyDatabase(0, path, db.Out());
+    if (status != 0)
+        LogOncePerSlot(logged, kLogCannotOpen, status, path);
+    else if (IsDebug())
+        LogEvent(kLogOpened, 0, 0, path);
+    if (db.Get() != 0)
+        PassFromStoredTime(slot, db.Get(), history, logged, path);
+}
+
+STATUS IndexMailDBSinceUntil(int slot, DBHANDLE db, TIMEDATE* since, TIMEDATE* until, NOTEID resumeNote, bool history)
+{
+    char path[kPathBytes + 1] = "";
+    GetDbPath(slot, path, kPathBytes);
+    return PassSinceUntil(slot, path, db, since, until, resumeNote, history);
 }

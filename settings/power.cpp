@@ -9,7 +9,8 @@ namespace {
 
 bool IsPresent(CFDictionaryRef source)
 {
-    return CFBooleanGetValue(static_cast<CFBooleanRef>(CFDictionaryGetValue(source, CFSTR(kIOPSIsPresentKey))));
+    const void* const present = CFDictionaryGetValue(source, CFSTR(kIOPSIsPresentKey));
+    return present != nullptr && CFBooleanGetValue(static_cast<CFBooleanRef>(present));
 }
 
 bool IsOnMains(CFDictionaryRef source)

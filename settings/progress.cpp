@@ -4,13 +4,16 @@
 // back here is made under it.
 #include "settings/progress.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <mutex>
+#include <optional>
 #include <string>
 
+#include "addin/lifecycle.h"
 #include "addin/pass.h"
 #include "content/paths.h"
 #include "platform/posix.h"
@@ -36,7 +39,8 @@ constexpr WORD kMinimumTime = 0;  // selector of TimeConstant
 
 enum RecoveryNumber { kResumeNote, kProcessed, kTotal };
 
-std::mutex recordsLock;  // guards the records above, and the writing of their variables
+std::mutex recordsLock;                   // guards the records above, and the writing of their variables
+std::string knownRecord[kProgressSlots];  // each slot's record as this process last read or wrote it
 
 bool IsSlot(int slot)
 {
@@ -82,14 +86,14 @@ void ClearRecovery(int slot)
     bMailRecoveryValid[slot] = false;
 }
 
-// Empty when the store has no text for the time.
-std::string TimeText(const TIMEDATE& time)
+// None when the time cannot be converted; empty when the store has no text for it.
+std::optional<std::string> TimeText(const TIMEDATE& time)
 {
     char text[kMaxTimeBytes + 1] = {};
     WORD length = 0;
     if (ConvertTIMEDATEToText(nullptr, nullptr, &time, text, sizeof text, &length) != kStatusOk)
-        return {};
-    return {text, length};
+        return std::nullopt;
+    return std::string(text, length);
 }
 
 bool ReadTime(char* text, TIMEDATE* time)
@@ -104,8 +108,10 @@ bool ReadTime(char* text, TIMEDATE* time)
 // The text for a time up to which all is indexed; empty when there is none for it.
 std::string SinceText(const TIMEDATE& since)
 {
-    const std::string text = TimeText(since);
-    return text.empty() && IsTimeDateClear(&since) ? kClearTime : text;
+    const std::optional<std::string> text = TimeText(since);
+    if (!text)
+        return {};
+    return text->empty() && IsTimeDateClear(&since) ? kClearTime : *text;
 }
 
 // The number of a field, as atoi has it, which reads what "%d" wrote.
@@ -150,10 +156,48 @@ void ParseRecord(int slot, char* record)
     dwMailRecoveryNote[slot][kTotal] = NumberField(total);
 }
 
-// False when the slot has no path variable.
-bool LoadSlot(int slot)
+// Puts a record into the arrays and the ini file.
+void Store(int slot, const TIMEDATE* since, const TIMEDATE* until, const std::array<uint32_t, 3>& numbers)
 {
-    const std::lock_guard guard(recordsLock);
+    ClearSince(slot);
+    ClearRecovery(slot);
+    std::string record;
+    const std::string sinceText = since != nullptr ? SinceText(*since) : std::string();
+    if (!sinceText.empty()) {
+        record = sinceText;
+        MailLastUpdated[slot] = *since;
+        bMailTimestampValid[slot] = true;
+        // without a text for its end time an interrupted pass is begun again
+        const std::string untilText = until != nullptr ? TimeText(*until).value_or("") : std::string();
+        if (!untilText.empty()) {
+            MailRecovery[slot] = *until;
+            std::copy(numbers.begin(), numbers.end(), dwMailRecoveryNote[slot]);
+            bMailRecoveryValid[slot] = true;
+            record = RecordText(slot, sinceText, untilText);
+        }
+    }
+    OSSetEnvironmentVariable(SlotKey(kRecordKey, slot).c_str(), record.c_str());
+    knownRecord[slot] = record;
+}
+
+std::string Variable(const std::string& name)
+{
+    std::array<char, kMaxRecordBytes + 1> value{};
+    if (!OSGetEnvironmentString(name.c_str(), value.data(), static_cast<WORD>(value.size())))
+        return {};
+    return value.data();
+}
+
+// Whether the ini file holds what this process last read from it or wrote to it for the slot.
+bool IniFileAgrees(int slot)
+{
+    return Variable(SlotKey(kPathKey, slot)) == szMailDbName[slot] &&
+           Variable(SlotKey(kRecordKey, slot)) == knownRecord[slot];
+}
+
+// False when the slot has no path variable.
+bool LoadSlotLocked(int slot)
+{
     szMailDbName[slot][0] = '\0';
     ClearSince(slot);
     ClearRecovery(slot);
@@ -161,10 +205,16 @@ bool LoadSlot(int slot)
         szMailDbName[slot][0] = '\0';
         return false;
     }
-    std::array<char, kMaxRecordBytes + 1> record{};
-    if (OSGetEnvironmentString(SlotKey(kRecordKey, slot).c_str(), record.data(), static_cast<WORD>(record.size())))
-        ParseRecord(slot, record.data());
+    knownRecord[slot] = Variable(SlotKey(kRecordKey, slot));
+    std::string record = knownRecord[slot];
+    ParseRecord(slot, record.data());
     return true;
+}
+
+bool LoadSlot(int slot)
+{
+    const std::lock_guard guard(recordsLock);
+    return LoadSlotLocked(slot);
 }
 
 // The client keeps its history in its data directory, under a name that never changes.
@@ -235,28 +285,24 @@ void SetDbTimestamp(int slot, const TIMEDATE* since, const TIMEDATE* until, unsi
     if (!IsSlot(slot))
         return;
     const std::lock_guard guard(recordsLock);
-    const std::string key = SlotKey(kRecordKey, slot);
-    ClearSince(slot);
-    ClearRecovery(slot);
-    const std::string sinceText = since != nullptr ? SinceText(*since) : std::string();
-    if (sinceText.empty()) {
-        OSSetEnvironmentVariable(key.c_str(), "");
-        return;
+    Store(slot, since, until, {note, processed, total});
+}
+
+bool RecordPass(int slot, const char* path, const TIMEDATE* since, const TIMEDATE* until, unsigned int note,
+                unsigned int processed, unsigned int total)
+{
+    EnsureLoaded();
+    if (!IsSlot(slot))
+        return false;
+    const std::lock_guard guard(recordsLock);
+    if (bStopAndReset != 0 || std::strcmp(szMailDbName[slot], path) != 0)
+        return false;
+    if (!IniFileAgrees(slot)) {
+        LoadSlotLocked(slot);
+        return false;
     }
-    MailLastUpdated[slot] = *since;
-    bMailTimestampValid[slot] = true;
-    // without a text for its end time an interrupted pass is begun again
-    const std::string untilText = until != nullptr ? TimeText(*until) : std::string();
-    if (untilText.empty()) {
-        OSSetEnvironmentVariable(key.c_str(), sinceText.c_str());
-        return;
-    }
-    MailRecovery[slot] = *until;
-    dwMailRecoveryNote[slot][kResumeNote] = note;
-    dwMailRecoveryNote[slot][kProcessed] = processed;
-    dwMailRecoveryNote[slot][kTotal] = total;
-    bMailRecoveryValid[slot] = true;
-    OSSetEnvironmentVariable(key.c_str(), RecordText(slot, sinceText, untilText).c_str());
+    Store(slot, since, until, {note, processed, total});
+    return true;
 }
 
 bool GetDbRecovery(int slot, TIMEDATE* until, unsigned int* note)

@@ -27,6 +27,11 @@ bool GetDbTimestamp(int slot, TIMEDATE* out);
 // with it when it was interrupted.  Null since: nothing is indexed.
 void SetDbTimestamp(int slot, const TIMEDATE* since, const TIMEDATE* until, unsigned int note, unsigned int processed,
                     unsigned int total);
+// As SetDbTimestamp, for a pass over `path` that has ended.  Stores nothing, and returns false, when the
+// record is no longer this pass's to write: the slot was given to another database meanwhile, a reset is
+// pending, or another process changed the slot in the ini file, which is then taken over.
+bool RecordPass(int slot, const char* path, const TIMEDATE* since, const TIMEDATE* until, unsigned int note,
+                unsigned int processed, unsigned int total);
 // The end time and the resume note of an interrupted pass; false, and nothing written, without one.
 bool GetDbRecovery(int slot, TIMEDATE* until, unsigned int* note);
 // How many notes of how many it had visited; false, and nothing written, when that is not known.
