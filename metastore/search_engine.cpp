@@ -96,6 +96,8 @@ CFURLRef SearchEngine::GetNoneExtMetaFilePathForNoteEntry(CFStringRef url) const
     if (root_ == nullptr)
         return nullptr;
     const CFOwner<CFStringRef> component(CopyMetafileComponent(url));
+    if (component.Get() == nullptr || CFStringGetLength(component.Get()) == 0)
+        return nullptr;  // a note whose URL could not be formed has no place of its own
     return CFURLCreateCopyAppendingPathComponent(kCFAllocatorDefault, root_, component.Get(), false);
 }
 

@@ -1,6 +1,8 @@
 // metastore/search_engine_event.cpp: one note's metadata on its way into a metafile.
 #include "metastore/search_engine_event.h"
 
+#include <algorithm>
+
 #include "metastore/search_engine.h"
 #include "strings/cf_owner.h"
 
@@ -42,6 +44,10 @@ CString XmlText(const CString& text)
     return CString(wide);
 }
 
+// The years that a property list can hold; a time outside them comes as the nearest that it can.
+constexpr double kFirstTime = -63113904000.0;  // 0001-01-01T00:00:00Z
+constexpr double kLastTime = 252423993599.0;   // 9999-12-31T23:59:59Z
+
 // An existing entry stays.  Null (out of memory): nothing is added.
 void AddValue(CFMutableDictionaryRef properties, const CString& key, CFTypeRef value)
 {
@@ -80,7 +86,7 @@ SearchEngineResult SearchEngineEvent::AddProperty(const CString& key, const CStr
 
 SearchEngineResult SearchEngineEvent::AddProperty(const CString& key, const double& value)
 {
-    const CFOwner<CFDateRef> date(CFDateCreate(kCFAllocatorDefault, value));
+    const CFOwner<CFDateRef> date(CFDateCreate(kCFAllocatorDefault, std::clamp(value, kFirstTime, kLastTime)));
     AddValue(properties_, key, date.Get());
     return kSearchEngineNoError;
 }
