@@ -252,7 +252,7 @@ STATUS MailGetMessageBodyText(NOTEHANDLE note, const char* item, const char* lin
 constexpr DWORD kStyleDefault = 0xFFFFFFFF;
 
 // Compound text for one item of a note.  Close writes it into the note and ends the handle; Discard
-// ends it without.
+// ends it without; Discard of a handle that has ended, by a failed Close too, does nothing.
 STATUS CompoundTextCreate(NOTEHANDLE note, const char* item, COMPOUNDHANDLE* compound);
 void CompoundTextInitStyle(void* style64);  // 64 bytes
 STATUS CompoundTextDefineStyle(COMPOUNDHANDLE compound, const char* name, const void* style64, DWORD* styleId);

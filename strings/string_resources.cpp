@@ -34,8 +34,9 @@ std::wstring AskBundle(unsigned int id)
 
 StringResourceMap* StringResourceMap::GetInstance()
 {
-    static StringResourceMap instance;
-    return &instance;
+    // Never destroyed: the indexing thread may ask for a text while the client ends.
+    static StringResourceMap* const instance = new StringResourceMap;
+    return instance;
 }
 
 void StringResourceMap::LoadString(unsigned int id, std::wstring& out)

@@ -96,37 +96,37 @@ int ChangesSoFar()
 
 extern "C" {
 
-#define FAULTY_VALUE(name, type, parameters, arguments, failure)                                                      \
-    type __real_##name parameters;                                                                                    \
-    type __wrap_##name parameters;                                                                                    \
-    type __wrap_##name parameters                                                                                     \
-    {                                                                                                                 \
-        if (Faulty(#name))                                                                                            \
-            return failure;                                                                                           \
-        return __real_##name arguments;                                                                               \
+#define FAULTY_VALUE(name, type, parameters, arguments, failure)                                                       \
+    type __real_##name parameters;                                                                                     \
+    type __wrap_##name parameters;                                                                                     \
+    type __wrap_##name parameters                                                                                      \
+    {                                                                                                                  \
+        if (Faulty(#name))                                                                                             \
+            return failure;                                                                                            \
+        return __real_##name arguments;                                                                                \
     }
 #define FAULTY_STATUS(name, parameters, arguments) FAULTY_VALUE(name, STATUS, parameters, arguments, plan.status)
-#define FAULTY_CHANGE(name, type, parameters, arguments, failure)                                                     \
-    type __real_##name parameters;                                                                                    \
-    type __wrap_##name parameters;                                                                                    \
-    type __wrap_##name parameters                                                                                     \
-    {                                                                                                                 \
-        CountChange();                                                                                                \
-        if (Faulty(#name))                                                                                            \
-            return failure;                                                                                           \
-        return __real_##name arguments;                                                                               \
+#define FAULTY_CHANGE(name, type, parameters, arguments, failure)                                                      \
+    type __real_##name parameters;                                                                                     \
+    type __wrap_##name parameters;                                                                                     \
+    type __wrap_##name parameters                                                                                      \
+    {                                                                                                                  \
+        CountChange();                                                                                                 \
+        if (Faulty(#name))                                                                                             \
+            return failure;                                                                                            \
+        return __real_##name arguments;                                                                                \
     }
 // A statement that only reads cannot leave anything half done.
-#define FAULTY_COMMIT(name, type, parameters, arguments, failure)                                                     \
-    type __real_##name parameters;                                                                                    \
-    type __wrap_##name parameters;                                                                                    \
-    type __wrap_##name parameters                                                                                     \
-    {                                                                                                                 \
-        if (ChangesDatabase arguments)                                                                                \
-            CountChange();                                                                                            \
-        if (Faulty(#name))                                                                                            \
-            return failure;                                                                                           \
-        return __real_##name arguments;                                                                               \
+#define FAULTY_COMMIT(name, type, parameters, arguments, failure)                                                      \
+    type __real_##name parameters;                                                                                     \
+    type __wrap_##name parameters;                                                                                     \
+    type __wrap_##name parameters                                                                                      \
+    {                                                                                                                  \
+        if (ChangesDatabase arguments)                                                                                 \
+            CountChange();                                                                                             \
+        if (Faulty(#name))                                                                                             \
+            return failure;                                                                                            \
+        return __real_##name arguments;                                                                                \
     }
 
 // clang-format off
@@ -144,6 +144,7 @@ FAULTY_STATUS(VLTDbGetModifiedNoteTable, (DBHANDLE d, WORD c, TIMEDATE s, TIMEDA
 FAULTY_STATUS(VLTDbGetUnreadNoteTable, (DBHANDLE d, const char* n, WORD l, DWORD f, IDTABLE* t), (d, n, l, f, t))
 FAULTY_STATUS(VLTDbGetNoteInfo, (DBHANDLE d, NOTEID n, ORIGINATORID* o, TIMEDATE* m, WORD* c), (d, n, o, m, c))
 FAULTY_STATUS(VLTDbInfoGet, (DBHANDLE d, char* i), (d, i))
+FAULTY_STATUS(IDEnumerate, (IDTABLE t, STATUS (*c)(void*, NOTEID), void* x), (t, c, x))
 FAULTY_STATUS(IDXFindDesignNote, (DBHANDLE d, const char* n, WORD c, NOTEID* i), (d, n, c, i))
 FAULTY_STATUS(VLTNoteOpen, (DBHANDLE d, NOTEID i, WORD f, NOTEHANDLE* n), (d, i, f, n))
 FAULTY_STATUS(VLTNoteCreate, (DBHANDLE d, DWORD f, NOTEHANDLE* n), (d, f, n))
@@ -163,6 +164,7 @@ FAULTY_STATUS(CompoundTextDefineStyle, (COMPOUNDHANDLE c, const char* n, const v
 FAULTY_STATUS(CompoundTextAddTextExt, (COMPOUNDHANDLE c, DWORD s, DWORD f, const char* t, DWORD l, const char* d, WORD e, void* r), (c, s, f, t, l, d, e, r))
 FAULTY_STATUS(CompoundTextAddParagraphExt, (COMPOUNDHANDLE c, DWORD s, DWORD f, const char* t, DWORD l, void* r), (c, s, f, t, l, r))
 FAULTY_STATUS(CompoundTextAddRenderedNote, (COMPOUNDHANDLE c, NOTEHANDLE n), (c, n))
+FAULTY_STATUS(CompoundTextClose, (COMPOUNDHANDLE c), (c))
 FAULTY_STATUS(EnumCompositeBuffer, (BLOCKID v, DWORD b, RecordCallback c, void* x), (v, b, c, x))
 FAULTY_STATUS(ODSReadMemory, (const char** s, const char* e, WORD t, void* o, WORD i), (s, e, t, o, i))
 FAULTY_STATUS(VLTComputeStart, (const void* v, DWORD b, COMPUTEHANDLE* c), (v, b, c))
@@ -182,6 +184,7 @@ FAULTY_VALUE(IOPSCopyPowerSourcesList, CFArrayRef, (CFTypeRef b), (b), nullptr)
 FAULTY_VALUE(IOPSGetPowerSourceDescription, CFDictionaryRef, (CFTypeRef b, CFTypeRef p), (b, p), nullptr)
 FAULTY_VALUE(CFPropertyListCreateXMLData, CFDataRef, (CFAllocatorRef a, CFPropertyListRef p), (a, p), nullptr)
 FAULTY_VALUE(CFURLWriteDataAndPropertiesToResource, Boolean, (CFURLRef u, CFDataRef d, CFDictionaryRef p, SInt32* e), (u, d, p, e), false)
+FAULTY_VALUE(CFURLGetFSRef, Boolean, (CFURLRef u, FSRef* r), (u, r), false)
 FAULTY_VALUE(CFURLGetFileSystemRepresentation, Boolean, (CFURLRef u, Boolean r, UInt8* b, CFIndex m), (u, r, b, m), (*b = 0, Boolean{false}))
 FAULTY_VALUE(CFURLCreateCopyAppendingPathComponent, CFURLRef, (CFAllocatorRef a, CFURLRef u, CFStringRef c, Boolean d), (a, u, c, d), nullptr)
 FAULTY_VALUE(CFURLCreateCopyAppendingPathExtension, CFURLRef, (CFAllocatorRef a, CFURLRef u, CFStringRef e), (a, u, e), nullptr)

@@ -14,8 +14,8 @@ public:
     FaultPlan(const FaultPlan&) = delete;
     FaultPlan& operator=(const FaultPlan&) = delete;
 
-    bool Fired() const;          // the run came as far as the failing call
-    const char* Name() const;    // its name, "" when it did not
+    bool Fired() const;        // the run came as far as the failing call
+    const char* Name() const;  // its name, "" when it did not
 };
 
 // While it lives, every call with this name fails.
