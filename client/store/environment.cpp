@@ -27,7 +27,7 @@ namespace {
 constexpr const char* kSection = "Pavex";
 // A file that was changed so short a time before it was read may have been changed again within the same
 // tick of its time stamp.  What was read off it is not kept.
-constexpr int64_t kSettledNanoseconds = 50 * 1000000;
+constexpr int64_t kSettledNanoseconds = 50'000'000;
 
 int64_t Nanoseconds(const timespec& time)
 {

@@ -20,8 +20,8 @@ namespace pavex {
 
 namespace {
 
-constexpr size_t kMostRichText = 64 * 1024;  // bytes of it that a formula sees
-constexpr size_t kMostEntry = 65535;         // bytes of a text list's entry
+constexpr size_t kMostRichText = size_t{64} * 1024;  // bytes of it that a formula sees
+constexpr size_t kMostEntry = 65535;                 // bytes of a text list's entry
 constexpr const char* kListType = "list";
 
 // Line breaks are NUL bytes in values and "\n" in formulas.

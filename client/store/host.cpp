@@ -79,7 +79,7 @@ Account ReadAccount()
 // $variable when it is an absolute path, as the XDG rules have it, else the default below the home folder.
 std::string XdgFolder(const char* variable, const char* defaultBelowHome)
 {
-    const std::string folder = Environment(variable);
+    std::string folder = Environment(variable);
     if (folder.starts_with('/'))
         return folder;
     const std::string home = Environment("HOME");

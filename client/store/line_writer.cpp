@@ -14,8 +14,8 @@ namespace pavex {
 
 namespace {
 
-constexpr size_t kBufferBytes = 64 * 1024;
-constexpr size_t kChunkBytes = 4 * 1024;
+constexpr size_t kBufferBytes = size_t{64} * 1024;
+constexpr size_t kChunkBytes = size_t{4} * 1024;
 constexpr std::string_view kLineBreaks("\0\n\r", 3);
 
 }  // namespace

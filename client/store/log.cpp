@@ -52,7 +52,7 @@ std::string Utf8Of(CFStringRef text)
 std::string TextOfEvent(DWORD id)
 {
     const std::string key = std::to_string(id);
-    const std::string substitute = "event " + key;
+    std::string substitute = "event " + key;
     const CFBundleRef bundle = GetPavexBundle();
     if (bundle == nullptr)
         return substitute;
@@ -82,6 +82,29 @@ std::string Printed(const Argument& argument, char kind)
     char digits[32];
     std::snprintf(digits, sizeof digits, "%llX", static_cast<unsigned long long>(number));
     return digits;
+}
+
+struct VariableArguments {
+    va_list list;
+};
+
+// The next argument, which is of this kind.
+Argument TakeArgument(char kind, VariableArguments* arguments)
+{
+    switch (kind) {
+    case 's': {
+        const char* const scs = va_arg(arguments->list, const char*);
+        return Utf8FromScs(scs == nullptr ? "" : scs);
+    }
+    case 'T':
+        return TextOfTime(va_arg(arguments->list, const TIMEDATE*));
+    case 'd': {
+        const int number = va_arg(arguments->list, int);
+        return int64_t{number};
+    }
+    default:  // 'u' and 'X'
+        return int64_t{va_arg(arguments->list, unsigned int)};
+    }
 }
 
 // The caller's own time zone: the log is for people.
@@ -139,24 +162,14 @@ void LogEvent(DWORD id, DWORD, DWORD status, ...)
     LogEntry entry{id, static_cast<STATUS>(status), TextOfEvent(id), {}};
     if (const auto format = LogFormat::Parse(entry.text)) {
         std::vector<std::string> printed;
-        va_list arguments;
-        va_start(arguments, status);
+        VariableArguments arguments;
+        va_start(arguments.list, status);
         for (const char kind : format->Kinds()) {
-            Argument argument;
-            if (kind == 's') {
-                const char* const scs = va_arg(arguments, const char*);
-                argument = Utf8FromScs(scs == nullptr ? "" : scs);
-            } else if (kind == 'T') {
-                argument = TextOfTime(va_arg(arguments, const TIMEDATE*));
-            } else if (kind == 'd') {
-                argument = int64_t{va_arg(arguments, int)};
-            } else {
-                argument = int64_t{va_arg(arguments, unsigned int)};
-            }
+            Argument argument = TakeArgument(kind, &arguments);
             printed.push_back(Printed(argument, kind));
             entry.arguments.push_back(std::move(argument));
         }
-        va_end(arguments);
+        va_end(arguments.list);
         entry.text = format->Fill(printed);
     }
     Deliver(entry);

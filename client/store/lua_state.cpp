@@ -10,10 +10,10 @@ namespace pavex {
 
 namespace {
 
-constexpr size_t kMostMemory = 16 * 1024 * 1024;  // bytes
-constexpr int64_t kMostInstructions = 1000000;    // of one call
-constexpr int kCheckedInstructions = 1000;        // between two looks at the limits
-constexpr int64_t kMostHundredths = 100;          // of processor time of one call
+constexpr size_t kMostMemory = size_t{16} * 1024 * 1024;  // bytes
+constexpr int64_t kMostInstructions = 1000000;            // of one call
+constexpr int kCheckedInstructions = 1000;                // between two looks at the limits
+constexpr int64_t kMostHundredths = 100;                  // of processor time of one call
 
 constexpr luaL_Reg kLibraries[] = {
     {LUA_STRLIBNAME, luaopen_string},

@@ -54,11 +54,10 @@ std::string Canonical(std::string_view path)
         path.remove_prefix(std::min(slash + 1, path.size()));
         if (name.empty() || name == ".")
             continue;
-        if (name != "..")
-            names.push_back(name);
-        else if (!names.empty() && names.back() != "..")
+        const bool up = name == "..";
+        if (up && !names.empty() && names.back() != "..")
             names.pop_back();
-        else if (!absolute)
+        else if (!up || !absolute)
             names.push_back(name);
     }
     std::string result;

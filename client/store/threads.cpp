@@ -14,7 +14,7 @@
 namespace {
 
 constexpr DWORD kDefaultStackBytes = 1024 * 1024;
-constexpr size_t kLeastStackBytes = 256 * 1024;
+constexpr size_t kLeastStackBytes = size_t{256} * 1024;
 
 struct ThreadStart {
     void (*entry)(void*);

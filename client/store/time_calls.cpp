@@ -2,10 +2,10 @@
 // A time reads "2007-03-05 14:00:00.00", in GMT; "2007-03-05" without a time of day, "14:00:00.00"
 // without a date.  The minimum time, which stands for "never", has an empty text.
 #include <algorithm>
-#include <compare>
 #include <cstdio>
 #include <cstring>
 #include <string>
+#include <tuple>
 
 #include "client/store/civil_date.h"
 #include "client/store/clock.h"
@@ -26,7 +26,7 @@ constexpr TIMEDATE kWildcardTime{{kNoTimeOfDay, kNoDate}};
 // The parts in the order in which they weigh.  What is missing comes before what is there.
 struct Rank {
     int64_t day, ticks;
-    auto operator<=>(const Rank&) const = default;
+    auto Parts() const { return std::tie(day, ticks); }
 };
 
 Rank RankOf(const TIMEDATE& time)
@@ -43,7 +43,7 @@ bool IsTime(const TIMEDATE& time)
 
 std::string TextOfTime(const TIMEDATE& time)
 {
-    if (RankOf(time) == RankOf(kMinimumTime))
+    if (RankOf(time).Parts() == RankOf(kMinimumTime).Parts())
         return {};
     char date[32] = "";
     char clock[32] = "";
@@ -105,8 +105,11 @@ void TimeConstant(WORD type, TIMEDATE* time)
 
 int TimeDateCollate(const TIMEDATE* a, const TIMEDATE* b)
 {
-    const auto order = RankOf(*a) <=> RankOf(*b);
-    return order < 0 ? -1 : order > 0 ? 1 : 0;
+    const Rank first = RankOf(*a);
+    const Rank second = RankOf(*b);
+    if (first.Parts() < second.Parts())
+        return -1;
+    return second.Parts() < first.Parts() ? 1 : 0;
 }
 
 DWORD TimeExtractJulianDate(const TIMEDATE* time)

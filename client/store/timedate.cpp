@@ -36,7 +36,7 @@ bool ScanOffset(TimeScanner& scanner, int64_t* seconds)
     if (scanner.Skip(':') ? !scanner.Number(2, 2, 59, &minutes)
                           : !scanner.AtEnd() && !scanner.Number(2, 2, 59, &minutes))
         return false;
-    *seconds = (hours * 60 + minutes) * (west ? 60 : -60);
+    *seconds = (int64_t{hours} * 60 + minutes) * (west ? 60 : -60);
     return true;
 }
 
