@@ -164,6 +164,8 @@ std::string IniText::Text() const
 {
     std::string text;
     (void)parsed_->ini.Save(text);  // into memory: cannot fail
+    if (text.starts_with("\xEF\xBB\xBF"))
+        text.insert(0, "\n");  // the first name starts like a signature, which a reader would take off
     return text;
 }
 
