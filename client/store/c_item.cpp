@@ -5,6 +5,7 @@
 #include <string>
 
 #include "client/store/charset.h"
+#include "client/store/item_view.h"
 #include "client/store/open_note.h"
 #include "client/store/value_text.h"
 #include "platform/store.h"
@@ -20,15 +21,32 @@ WORD WriteTerminated(std::string_view scs, char* text, WORD maxText)
     return static_cast<WORD>(bytes);
 }
 
+// An item without a copy of its value; type 0 when there is none.
+struct FoundItem {
+    ItemView view;
+    const OpenNote::Slot* slot = nullptr;
+
+    FoundItem(NOTEHANDLE note, const char* name)
+    {
+        OpenNote* const open = OpenNotes().Find(note);
+        const int found = open == nullptr ? -1 : open->Find(name);
+        if (found >= 0 && ViewItemAt(open, static_cast<size_t>(found), &view))
+            slot = &open->At(static_cast<size_t>(found));
+    }
+    bool HasTexts() const { return view.type == kTypeText || view.type == kTypeTextList; }
+};
+
 // Entries of a text list, or a text as its one entry; in place.  None for other types and damaged values.
 struct TextEntries {
     size_t count = 0;
     bool list = false;
     std::string_view value;
+    const OpenNote::Slot* slot;
 
-    explicit TextEntries(const Item& item) : list(item.type == kTypeTextList), value(item.value)
+    explicit TextEntries(const FoundItem& item)
+        : list(item.view.type == kTypeTextList), value(item.view.value), slot(item.slot)
     {
-        if (item.type == kTypeText)
+        if (item.view.type == kTypeText)
             count = 1;
         else if (list && value.size() >= sizeof(WORD))
             count = WordAt(0);
@@ -41,43 +59,48 @@ struct TextEntries {
         std::memcpy(&word, value.data() + index * sizeof word, sizeof word);
         return word;
     }
+    // Bytes of the entries before the index.  Lists are read from front to back, one call an entry, so that
+    // counting goes on where it ended.
+    size_t BytesBefore(size_t index) const
+    {
+        OpenNote::ListPlace place = slot->place;
+        if (index < place.entry)
+            place = {};
+        for (; place.entry < index; ++place.entry)
+            place.bytes += static_cast<uint32_t>(WordAt(1 + place.entry));
+        slot->place = place;
+        return place.bytes;
+    }
     std::string_view At(size_t index) const
     {
         if (index >= count)
             return {};
         if (!list)
             return value;
-        size_t start = sizeof(WORD) * (1 + count);
-        for (size_t i = 0; i < index; ++i)
-            start += WordAt(1 + i);
+        const size_t start = sizeof(WORD) * (1 + count) + BytesBefore(index);
         const size_t bytes = WordAt(1 + index);
         return start > value.size() || value.size() - start < bytes ? std::string_view{} : value.substr(start, bytes);
     }
 };
 
-// The first of several values as an item of its own.
-Item FirstValue(const Item& item)
+// The text of the first of several numbers or times; empty for what has no text.
+std::string FirstValueText(const ItemView& view)
 {
-    switch (item.type) {
-    case kTypeTextList:
-        return {item.name, kTypeText, item.flags, std::string(TextEntries(item).At(0))};
-    case kTypeNumberRange:
-        if (const auto number = NumberValue(item))
-            return NumberItem(item.name, *number);
-        break;
-    case kTypeTimeRange:
-        if (const auto times = TimeValues(item); times && !times->empty())
-            return TimeItem(item.name, times->front());
-        break;
-    case kTypeText:
-    case kTypeNumber:
-    case kTypeTime:
-        return item;
+    if (view.type == kTypeRichText)
+        return {};
+    const Item item = {"", view.type, 0, std::string(view.value)};
+    if (view.type == kTypeNumberRange) {
+        const auto number = NumberValue(item);
+        return number ? TextOfNumber(*number).value_or("") : std::string();
     }
-    return {item.name, kTypeRichText, 0, {}};  // has no text
+    if (view.type == kTypeTimeRange) {
+        const auto times = TimeValues(item);
+        return times && !times->empty() ? TextOfItem(TimeItem("", times->front()), "") : std::string();
+    }
+    return TextOfItem(item, "");
 }
 
-// The item of that name, or one without a value.
+// A copy of the item of that name, or one without a value.
 Item ItemOrNone(NOTEHANDLE note, const char* name)
 {
     Item item;
@@ -87,7 +110,7 @@ Item ItemOrNone(NOTEHANDLE note, const char* name)
 }  // namespace
 }  // namespace pavex
 
-using pavex::Item;
+using pavex::FoundItem;
 using pavex::ItemOrNone;
 using pavex::OpenNote;
 using pavex::OpenNotes;
@@ -117,23 +140,26 @@ STATUS VLTItemInfo(NOTEHANDLE note, const char* name, WORD nameLength, BLOCKID* 
 
 WORD VLTItemGetText(NOTEHANDLE note, const char* name, char* text, WORD maxText)
 {
-    return pavex::WriteTerminated(pavex::TextOfItem(pavex::FirstValue(ItemOrNone(note, name)), ""), text, maxText);
+    const FoundItem item(note, name);
+    if (item.HasTexts())
+        return pavex::WriteTerminated(pavex::TextEntries(item).At(0), text, maxText);
+    return pavex::WriteTerminated(pavex::FirstValueText(item.view), text, maxText);
 }
 
 WORD VLTItemConvertToText(NOTEHANDLE note, const char* name, char* text, WORD maxText, char separator)
 {
-    return pavex::WriteTerminated(pavex::TextOfItem(ItemOrNone(note, name), {&separator, 1}), text, maxText);
+    const FoundItem item(note, name);
+    return pavex::WriteTerminated(pavex::TextOfValue(item.view.type, item.view.value, {&separator, 1}), text, maxText);
 }
 
 WORD VLTItemGetTextListEntry(NOTEHANDLE note, const char* name, WORD index, char* text, WORD maxText)
 {
-    const Item item = ItemOrNone(note, name);
-    return pavex::WriteTerminated(pavex::TextEntries(item).At(index), text, maxText);
+    return pavex::WriteTerminated(pavex::TextEntries(FoundItem(note, name)).At(index), text, maxText);
 }
 
 WORD VLTItemGetTextListEntries(NOTEHANDLE note, const char* name)
 {
-    return static_cast<WORD>(pavex::TextEntries(ItemOrNone(note, name)).count);
+    return static_cast<WORD>(pavex::TextEntries(FoundItem(note, name)).count);
 }
 
 long VLTItemGetLong(NOTEHANDLE note, const char* name, long defaultValue)

@@ -21,6 +21,11 @@ struct NoteRow;
 
 class OpenNote {
 public:
+    // How far into a text list its last read went: the next entry's place is found from here.
+    struct ListPlace {
+        uint32_t entry = 0;
+        uint32_t bytes = 0;  // of the entries before it
+    };
     // One item.  `data` points at the type word; null while a large value has not been read.
     struct Slot {
         std::string_view name;
@@ -33,6 +38,7 @@ public:
         uint32_t position = 0;   // in the stored note: the key of a large value
         std::unique_ptr<std::string> ownName;
         std::unique_ptr<std::string> ownValue;
+        mutable ListPlace place;
     };
 
     // database: null for none; shared, since a note may outlive its database's handle.

@@ -3,6 +3,7 @@
 #include <cstring>
 #include <limits>
 
+#include "client/store/open_note.h"
 #include "client/store/richtext.h"
 #include "tests/client/store/store_fixture.h"
 
@@ -131,6 +132,34 @@ TEST_F(ItemCalls, ListEntriesAreCountedAndReadByNumber)
     EXPECT_EQ(VLTItemGetTextListEntry(note, "T", 0, text, 7), 4);
     EXPECT_EQ(VLTItemGetTextListEntries(note, "N"), 0);
     EXPECT_EQ(VLTItemGetTextListEntries(note, "Absent"), 0);
+}
+
+TEST_F(ItemCalls, ListEntriesAreTheSameInAnyOrderOfReading)
+{
+    const NOTEHANDLE note = Opened({TextListItem("L", {"a", "", "bcd", "ef"}), TextListItem("M", {"x", "yz"})});
+    const auto entry = [note](const char* name, WORD index) {
+        char text[8];
+        return std::string(text, VLTItemGetTextListEntry(note, name, index, text, 7));
+    };
+    EXPECT_EQ(entry("L", 3), "ef");
+    EXPECT_EQ(entry("M", 1), "yz");
+    EXPECT_EQ(entry("L", 0), "a");
+    EXPECT_EQ(entry("L", 2), "bcd");
+    EXPECT_EQ(entry("L", 2), "bcd");
+    EXPECT_EQ(entry("L", 1), "");
+    EXPECT_EQ(entry("M", 0), "x");
+    EXPECT_EQ(entry("L", 4), "");
+    EXPECT_EQ(entry("L", 3), "ef");
+}
+
+TEST_F(ItemCalls, ANewValueOfAListIsReadFromItsBeginning)
+{
+    const NOTEHANDLE note = Opened({TextListItem("L", {"first", "second"})});
+    char text[8];
+    ASSERT_EQ(VLTItemGetTextListEntry(note, "L", 1, text, 7), 6);
+    ASSERT_EQ(SetOpenItem(note, TextListItem("L", {"a", "b"})), 0);
+    ASSERT_EQ(VLTItemGetTextListEntry(note, "L", 1, text, 7), 1);
+    EXPECT_STREQ(text, "b");
 }
 
 TEST_F(ItemCalls, DamagedListsHaveNoEntries)
