@@ -19,6 +19,7 @@ WORD CopyText(const char* text, size_t length, char* buffer, WORD size)
     const size_t fitting = std::min(length, size - size_t{1});
     const size_t whole = fitting == length ? length : WholeScsBytes(text, fitting);
     std::memcpy(buffer, text, whole);
+    BreaksToBlanks(buffer, static_cast<WORD>(whole));
     buffer[whole] = '\0';
     return static_cast<WORD>(whole);
 }

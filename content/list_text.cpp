@@ -7,7 +7,6 @@
 #include "content/buffers.h"
 #include "content/item_text.h"
 #include "content/scs_text.h"
-#include "platform/posix.h"
 #include "strings/cstring.h"
 #include "strings/string_ids.h"
 #include "strings/string_resources.h"
@@ -32,6 +31,14 @@ bool TakesSeparator(WORD length, WORD size)
     return length + kSeparatorBytes + 1 < size;
 }
 
+// Reads an entry into Buffer2, terminated, on one line: a break in it would end the text.
+WORD ReadEntry(NOTEHANDLE note, const char* item, WORD index)
+{
+    const WORD length = VLTItemGetTextListEntry(note, item, index, Buffer2, kBufferLimit);
+    BreaksToBlanks(Buffer2, length);
+    return length;
+}
+
 // Abbreviates a name into out[room], terminated; one the store cannot abbreviate stays as it is.
 WORD AbbreviateName(const char* name, WORD nameLength, char* out, WORD room)
 {
@@ -45,11 +52,11 @@ WORD AbbreviateName(const char* name, WORD nameLength, char* out, WORD room)
     return length;
 }
 
-// Replaces a category code in Buffer2 by its localized name.  Returns the text's length.
+// Replaces a category code of `length` bytes in Buffer2 by its localized name.  Returns the text's length.
 WORD LocalizeCategory(WORD length)
 {
     for (const CategoryRow& row : kCategories) {
-        if (strcasecmp(Buffer2, row.code) != 0)
+        if (!SameWithoutCase({Buffer2, length}, row.code))
             continue;
         CString name;
         name.LoadString(row.text);
@@ -71,7 +78,7 @@ WORD GetAddressList(NOTEHANDLE note, const char* item, char* buffer, WORD size)
     WORD length = 0;
     const WORD entries = VLTItemGetTextListEntries(note, item);
     for (WORD i = 0; i < entries; ++i) {
-        const WORD entryLength = VLTItemGetTextListEntry(note, item, i, Buffer2, kBufferLimit);
+        const WORD entryLength = ReadEntry(note, item, i);
         if (entryLength == 0)
             continue;
         if (length != 0 && !TakesSeparator(length, size))
@@ -96,7 +103,7 @@ WORD GetCategoryList(NOTEHANDLE note, const char* item, char* buffer, WORD size)
     WORD length = 0;
     const WORD entries = VLTItemGetTextListEntries(note, item);
     for (WORD i = 0; i < entries; ++i) {
-        const WORD entryLength = LocalizeCategory(VLTItemGetTextListEntry(note, item, i, Buffer2, kBufferLimit));
+        const WORD entryLength = LocalizeCategory(ReadEntry(note, item, i));
         if (entryLength == 0)
             continue;
         if (length != 0 && TakesSeparator(length, size)) {

@@ -3,6 +3,8 @@
 // half begins with ED A0 to ED AF.
 #include "content/scs_text.h"
 
+#include <algorithm>
+
 #include "content/buffers.h"
 
 namespace {
@@ -47,4 +49,19 @@ CString WideFromScs(const char* text, WORD length, WORD maxBytes)
     const int units = bytes / static_cast<int>(sizeof(wBuffer[0]));
     // A count of 0 asks CString to look for the end itself.
     return units == 0 ? CString() : CString(wBuffer, units);
+}
+
+void BreaksToBlanks(char* text, WORD length)
+{
+    std::replace(text, text + length, '\0', ' ');
+}
+
+char AsciiLower(char c)
+{
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+bool SameWithoutCase(std::string_view one, std::string_view other)
+{
+    return std::ranges::equal(one, other, {}, AsciiLower, AsciiLower);
 }
