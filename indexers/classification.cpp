@@ -4,8 +4,9 @@
 
 #include <cstring>
 #include <initializer_list>
+#include <string_view>
 
-#include "platform/posix.h"
+#include "content/scs_text.h"
 
 namespace {
 
@@ -38,10 +39,12 @@ constexpr FormRow kForms[] = {
 bool HasFormOf(NOTEHANDLE note, FormKind kind)
 {
     char form[kFormBytes + 1];
-    if (note == 0 || VLTItemGetText(note, "Form", form, kFormBytes) == 0)
+    if (note == 0)
         return false;
+    // The length counts: a line break in the value, a NUL, does not end the form.
+    const std::string_view text(form, VLTItemGetText(note, "Form", form, kFormBytes));
     for (const FormRow& row : kForms)
-        if (row.kind == kind && strcasecmp(form, row.form) == 0)
+        if (row.kind == kind && SameWithoutCase(text, row.form))
             return true;
     return false;
 }

@@ -1,11 +1,11 @@
 // indexers/contact_fields.cpp: what of a contact is composed of several items: postal addresses and the
 // extra fields, whose meaning is in the label that the user gave them.
 #include <array>
-#include <cctype>
 #include <cstring>
 
 #include "content/buffers.h"
 #include "content/item_text.h"
+#include "content/scs_text.h"
 #include "indexers/contact.h"
 
 namespace {
@@ -170,7 +170,7 @@ WORD GetContactFieldType(NOTEHANDLE note, WORD label)
     if (label < 1 || label > kExtraFields || MyItemGetText(note, kLabelItems[label - 1], Buffer5, kBufferLimit) == 0)
         return kContactFieldNone;
     for (char* c = Buffer5; *c != '\0'; ++c)
-        *c = static_cast<char>(tolower(static_cast<unsigned char>(*c)));
+        *c = AsciiLower(*c);
     for (const LabelRow& row : kLabels)
         if (strstr(row.word, Buffer5) != nullptr)
             return row.type;
