@@ -27,31 +27,43 @@ bool IsForbiddenInXml(wchar_t unit)
     return (unit < 0x20 && unit != L'\t' && unit != L'\n' && unit != L'\r') || unit == 0xFFFE || unit == 0xFFFF;
 }
 
-// Units that XML cannot hold, as U+FFFD.  The property-list writer would write control characters as they
-// are, and nobody could read the file; a half surrogate pair would take other text along.
-CString XmlText(const CString& text)
+// Index of the first unit at or after `start` that no XML text can hold; the length when there is none.
+// `start` is no second half of a pair.
+int FindBadUnit(const CString& text, int start)
 {
-    std::wstring wide = text.GetWString();
-    for (size_t i = 0; i < wide.size(); ++i) {
-        const wchar_t unit = wide[i] & 0xFFFF;
-        if (IsHighSurrogate(unit) && i + 1 < wide.size() && IsLowSurrogate(wide[i + 1] & 0xFFFF)) {
+    const int length = text.GetLength();
+    for (int i = start; i < length; ++i) {
+        const wchar_t unit = text[i] & 0xFFFF;
+        if (IsHighSurrogate(unit) && i + 1 < length && IsLowSurrogate(text[i + 1] & 0xFFFF))
             ++i;  // a pair is one character
-            continue;
-        }
-        if (IsForbiddenInXml(unit) || IsHighSurrogate(unit) || IsLowSurrogate(unit))
-            wide[i] = kReplacement;
+        else if (IsForbiddenInXml(unit) || IsHighSurrogate(unit) || IsLowSurrogate(unit))
+            return i;
     }
-    return CString(wide);
+    return length;
+}
+
+// A text with U+FFFD for the units that XML cannot hold; the caller releases it.  Here metafiles differ from
+// those that the property-list writer of macOS makes of the same text: it writes control characters as they
+// are, into a file that nobody can read, and drops what stands behind half a pair.
+CFStringRef CopyXmlText(const CString& text)
+{
+    int bad = FindBadUnit(text, 0);
+    if (bad == text.GetLength())
+        return text.toCFStringRef();  // as nearly always: no copy is made
+    CString clean = text;
+    for (; bad < clean.GetLength(); bad = FindBadUnit(clean, bad + 1))
+        clean[bad] = kReplacement;
+    return clean.toCFStringRef();
 }
 
 // The years that a property list can hold; a time outside them comes as the nearest that it can.
 constexpr double kFirstTime = -63113904000.0;  // 0001-01-01T00:00:00Z
 constexpr double kLastTime = 252423993599.0;   // 9999-12-31T23:59:59Z
 
-// An existing entry stays.  Null (out of memory): nothing is added.
+// Keys are the indexers' own, and plain ASCII.  An existing entry stays.  Null (out of memory): nothing is added.
 void AddValue(CFMutableDictionaryRef properties, const CString& key, CFTypeRef value)
 {
-    const CFOwner<CFStringRef> name(XmlText(key).toCFStringRef());
+    const CFOwner<CFStringRef> name(key.toCFStringRef());
     if (name.Get() != nullptr && value != nullptr)
         CFDictionaryAddValue(properties, name.Get(), value);
 }
@@ -79,7 +91,7 @@ SearchEngineEvent::~SearchEngineEvent()
 
 SearchEngineResult SearchEngineEvent::AddProperty(const CString& key, const CString& value)
 {
-    const CFOwner<CFStringRef> text(XmlText(value).toCFStringRef());
+    const CFOwner<CFStringRef> text(CopyXmlText(value));
     AddValue(properties_, key, text.Get());
     return kSearchEngineNoError;
 }
