@@ -69,6 +69,11 @@ bool AddIn::Start()
     return status != kNoMenu;
 }
 
+bool AddIn::IsRunning() const
+{
+    return ThreadsMade() != 0;
+}
+
 void AddIn::OpenDialog()
 {
     unsigned long argument = 0;

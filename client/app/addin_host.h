@@ -16,6 +16,8 @@ public:
 
     // The client starts: the add-in decides whether to run.  True when its indexing may run.
     bool Start();
+    // True when Start made the indexing thread.
+    bool IsRunning() const;
     // Opens the settings dialog modally, in the current front end.
     void OpenDialog();
     // The client ends: asks the indexing thread to end and waits for it.

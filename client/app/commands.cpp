@@ -1,4 +1,6 @@
 // client/app/commands.cpp: the table of subcommands, and the program around them.
+#include <sys/stat.h>
+
 #include <filesystem>
 #include <iostream>
 #include <map>
@@ -34,6 +36,8 @@ int Fail(const std::string& message)
 std::string DatabasePath(const std::string& name)
 {
     namespace fs = std::filesystem;
+    if (name.starts_with("//"))
+        return name;  // on a server
     std::error_code none;
     if (name.find('/') != std::string::npos || fs::exists(name, none))
         return fs::absolute(name, none).lexically_normal().string();
@@ -58,6 +62,7 @@ int RunProgram(int argc, char** argv)
     } catch (const CLI::ParseError& error) {
         return program.exit(error) == 0 ? kExitDone : kExitWrongUse;
     }
+    umask(S_IRWXG | S_IRWXO);  // whatever is written is the user's own business
     std::string problem;
     if (!StartHost(FindPlaces(home), &problem))
         return Fail(problem);

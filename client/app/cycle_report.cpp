@@ -51,6 +51,9 @@ void CycleReport::Take(const LogEntry& entry)
     case kLogNoteUrl:
         ++notes_;
         break;
+    case kLogThreadNotStarted:
+        threadFailed_ = true;
+        break;
     case kLogPassCounters:
         Add(path, {NumberArgument(entry, 1), NumberArgument(entry, 2), NumberArgument(entry, 3),
                    NumberArgument(entry, 4), NumberArgument(entry, 5), entry.status});
@@ -91,6 +94,12 @@ std::optional<PassResult> CycleReport::ResultOf(const std::string& path) const
     if (known == results_.end())
         return std::nullopt;
     return known->second;
+}
+
+bool CycleReport::ThreadFailed() const
+{
+    const std::lock_guard lock(mutex_);
+    return threadFailed_;
 }
 
 std::string CycleReport::Activity() const

@@ -29,6 +29,8 @@ public:
 
     // The passes over a database; a pass that did something tells more than one that found nothing.
     std::optional<PassResult> ResultOf(const std::string& path) const;
+    // The add-in's thread could not begin its work.
+    bool ThreadFailed() const;
     // The database being read and the notes seen in it so far; empty between passes.
     std::string Activity() const;
 
@@ -39,6 +41,7 @@ private:
     std::map<std::string, PassResult> results_;  // by path, UTF-8
     std::string current_;
     uint64_t notes_ = 0;
+    bool threadFailed_ = false;
 };
 
 // True for the entries that the add-in writes only when debugging; the counters of a pass are wanted always.

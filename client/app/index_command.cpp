@@ -8,6 +8,7 @@
 #include "client/app/command.h"
 #include "client/app/cycle_report.h"
 #include "client/app/hurried_clock.h"
+#include "client/app/instance_lock.h"
 #include "client/app/policy_check.h"
 #include "client/app/signals.h"
 #include "client/app/slots.h"
@@ -35,7 +36,8 @@ uint64_t IdleForOneCycle()
     constexpr long kDefaultMinutes = 5;
     constexpr long kMostMinutes = 99;
     const long set = OSGetEnvironmentLong("GDSFreqMinutes");
-    const long minutes = set <= 0 ? kDefaultMinutes : std::min(set, kMostMinutes);
+    // as the add-in reads it: a negative number is a very large one
+    const long minutes = set == 0 ? kDefaultMinutes : set < 0 ? kMostMinutes : std::min(set, kMostMinutes);
     return static_cast<uint64_t>(minutes + 1) * kMinuteMs + 2000;
 }
 
@@ -74,16 +76,36 @@ private:
     const CycleReport& report_;
 };
 
-// True when the user or the system ended it before the cycle was done.
-bool WaitForCycle(const HurriedClock& clock, ProgressLine& line)
+enum class CycleEnd { Done, Stopped, NoThread };
+
+CycleEnd WaitForCycle(const HurriedClock& clock, const CycleReport& report, ProgressLine& line)
 {
     while (!clock.CycleDone()) {
         if (WaitForSignal(kLookMs))
-            return true;
+            return CycleEnd::Stopped;
+        if (report.ThreadFailed())
+            return CycleEnd::NoThread;
         line.Update();
     }
-    return false;
+    return CycleEnd::Done;
 }
+
+// The clock and the ear on the log, for as long as the add-in works.
+class IndexSession {
+public:
+    IndexSession(HurriedClock* clock, CycleReport* report, bool debug)
+    {
+        SetClock(clock);
+        ListenToLog(report, debug);
+    }
+    ~IndexSession()
+    {
+        SetLogObserver(nullptr);
+        SetClock(nullptr);
+    }
+    IndexSession(const IndexSession&) = delete;
+    IndexSession& operator=(const IndexSession&) = delete;
+};
 
 void PrintJson(const std::vector<Slot>& slots, const CycleReport& report, bool stopped)
 {
@@ -143,33 +165,42 @@ int Judge(const std::vector<Slot>& slots, const CycleReport& report, bool stoppe
     return exit;
 }
 
+// False, with *error, when the add-in could not be loaded.
+bool RunOneCycle(const IndexArguments& arguments, CycleReport* report, CycleEnd* end, std::string* error)
+{
+    HurriedClock clock(IdleForOneCycle());
+    const IndexSession session(&clock, report, arguments.debug);
+    if (arguments.fullSpeed)
+        OverrideVariable("GoogleWaitTime", "0");
+    ProgressLine line(!arguments.json, *report);
+    const std::unique_ptr<AddIn> addIn = AddIn::Load(error);
+    if (addIn == nullptr)
+        return false;
+    addIn->Start();
+    *end = addIn->IsRunning() ? WaitForCycle(clock, *report, line) : CycleEnd::NoThread;
+    clock.EndDelays();
+    addIn->Stop();
+    return true;
+}
+
 int RunIndex(const IndexArguments& arguments)
 {
     HoldSignals();
     if (OSGetEnvironmentLong("GDSIndexEnabled") == 0)
         return Fail("indexing is switched off; switch it on with: pavex settings --enable --yes");
+    if (PolicyLocksIndexing())
+        return Fail("the administrator's policy locks indexing off");
+    std::string error;
+    const std::optional<InstanceLock> lock = InstanceLock::Take(&error);
+    if (!lock)
+        return Fail(error);
     CycleReport report;
-    HurriedClock clock(IdleForOneCycle());
-    SetClock(&clock);
-    ListenToLog(&report, arguments.debug);
-    if (arguments.fullSpeed)
-        OverrideVariable("GoogleWaitTime", "0");
-    bool stopped = false;
-    {
-        ProgressLine line(!arguments.json, report);
-        std::string error;
-        const std::unique_ptr<AddIn> addIn = AddIn::Load(&error);
-        if (addIn == nullptr)
-            return Fail(error);
-        if (PolicyLocksIndexing())
-            return Fail("the administrator's policy locks indexing off");
-        addIn->Start();
-        stopped = WaitForCycle(clock, line);
-        clock.EndDelays();
-        addIn->Stop();
-    }
-    SetLogObserver(nullptr);
-    SetClock(nullptr);
+    CycleEnd end = CycleEnd::Done;
+    if (!RunOneCycle(arguments, &report, &end, &error))
+        return Fail(error);
+    if (end == CycleEnd::NoThread)
+        return Fail("the indexing thread could not be started; see " + CurrentPlaces().log);
+    const bool stopped = end == CycleEnd::Stopped;
     const std::vector<Slot> slots = ReadSlots();
     if (arguments.json)
         PrintJson(slots, report, stopped);

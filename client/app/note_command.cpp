@@ -39,9 +39,28 @@ std::string FirstText(const Note& note, std::string_view name)
     return values && !values->empty() ? values->front() : std::string();
 }
 
+// Control characters as blanks, so that a line stays a line and a terminal stays itself.
+std::string OneLine(std::string text)
+{
+    for (char& c : text)
+        if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F)
+            c = ' ';
+    return text;
+}
+
 // ---- put -------------------------------------------------------------------------------------
 
-// Notes in transactions of some thousands; a note that cannot be taken is reported, the rest come in.
+// What is wrong with one note, rather than with the database: the others can still be written.
+bool IsRefusalOfOneNote(STATUS status)
+{
+    for (const STATUS refusal : {kStatusBadText, kStatusNoMemory, kStatusSealed, kStatusDamaged, kStatusNoteDeleted})
+        if (status == refusal)
+            return true;
+    return false;
+}
+
+// Notes in transactions of some thousands; a note that cannot be taken is reported, the rest come in.  What
+// is printed is in the database.
 class NoteWriter {
 public:
     NoteWriter(Database* database, std::string source, bool json)
@@ -49,48 +68,60 @@ public:
     {
     }
 
+    // False when the database can take no more.
     bool Take(const nlohmann::ordered_json& value, size_t line, const std::string& error)
     {
         Note note;
         std::string wrong = error;
         if (!wrong.empty() || !NoteFromJson(value, &note, &wrong)) {
-            Fail(source_ + ":" + std::to_string(line) + ": " + wrong);
-            refused_ = true;
+            Refuse(line, wrong);
             return true;
         }
-        if (const std::optional<uint32_t> known = database_->FindUnid(note.unid))
-            note.id = *known;
         status_ = Write(&note);
-        if (status_ != 0)
-            return false;
-        Print(note);
-        return true;
+        if (IsRefusalOfOneNote(status_)) {
+            Refuse(line, DescribeStatus(status_));
+            status_ = 0;
+        } else if (status_ == 0) {
+            written_.push_back(note);
+        }
+        if (written_.size() >= kNotesPerTransaction)
+            Commit();
+        return status_ == 0;
     }
 
-    STATUS Finish()
+    // Ends the transaction, so that nobody waits for it while no input comes.
+    void Commit()
     {
-        if (status_ == 0 && inTransaction_ != 0)
+        if (!inTransaction_)
+            return;
+        inTransaction_ = false;
+        if (status_ == 0)
             status_ = database_->Commit();
-        else if (inTransaction_ != 0)
+        if (status_ != 0)
             database_->Rollback();
-        return status_;
+        else
+            for (const Note& note : written_)
+                Print(note);
+        written_.clear();
     }
 
+    STATUS Status() const { return status_; }
     bool Refused() const { return refused_; }
 
 private:
+    void Refuse(size_t line, const std::string& reason)
+    {
+        Fail(source_ + ":" + std::to_string(line) + ": " + reason);
+        refused_ = true;
+    }
+
     STATUS Write(Note* note)
     {
-        if (inTransaction_ == 0)
+        if (!inTransaction_)
             if (const STATUS status = database_->Begin(); status != 0)
                 return status;
-        ++inTransaction_;
-        if (const STATUS status = database_->Put(note); status != 0)
-            return status;
-        if (inTransaction_ < kNotesPerTransaction)
-            return 0;
-        inTransaction_ = 0;
-        return database_->Commit();
+        inTransaction_ = true;
+        return database_->Put(note);
     }
 
     void Print(const Note& note) const
@@ -106,7 +137,8 @@ private:
     Database* const database_;
     const std::string source_;
     const bool json_;
-    uint64_t inTransaction_ = 0;
+    bool inTransaction_ = false;
+    std::vector<Note> written_;  // in the open transaction
     STATUS status_ = 0;
     bool refused_ = false;
 };
@@ -124,12 +156,16 @@ int Put(const NoteOptions& options)
     if (const STATUS status = Database::OpenOrCreate(path, "Notes", &database); status != 0)
         return FailWith(status, path);
     NoteWriter writer(database.get(), options.input == "-" ? "standard input" : options.input, options.json);
-    ReadJsonValues(options.input == "-" ? std::cin : file,
-                   [&writer](const nlohmann::ordered_json& value, size_t line, const std::string& error) {
-                       return writer.Take(value, line, error);
-                   });
-    if (const STATUS status = writer.Finish(); status != 0)
-        return FailWith(status, path);
+    std::istream& input = options.input == "-" ? std::cin : file;
+    ReadJsonValues(input, [&](const nlohmann::ordered_json& value, size_t line, const std::string& error) {
+        const bool goesOn = writer.Take(value, line, error);
+        if (input.rdbuf()->in_avail() <= 0)
+            writer.Commit();  // the next read may have to wait
+        return goesOn;
+    });
+    writer.Commit();
+    if (writer.Status() != 0)
+        return FailWith(writer.Status(), path);
     return writer.Refused() ? kExitFailed : kExitDone;
 }
 
@@ -161,6 +197,7 @@ int Get(const NoteOptions& options)
         const std::string& name = options.ids.front();
         const std::optional<uint32_t> id = FindNote(database, name);
         Note note;
+        database.Unseal();  // what is printed can be put back whole
         const STATUS status = id ? database.Get(*id, &note) : kStatusNoSuchNote;
         if (status != 0)
             return Fail(database.Path() + ": note " + name + ": " + DescribeStatus(status));
@@ -175,10 +212,11 @@ int Get(const NoteOptions& options)
 int List(const NoteOptions& options)
 {
     return WithDatabase(options, [&options](Database& database) {
+        int exit = kExitDone;
         const STATUS listed = database.List([&](const NoteSummary& summary) {
             Note note;
             if (const STATUS status = database.Get(summary.id, &note); status != 0) {
-                Fail(database.Path() + ": note " + std::to_string(summary.id) + ": " + DescribeStatus(status));
+                exit = Fail(database.Path() + ": note " + std::to_string(summary.id) + ": " + DescribeStatus(status));
                 return true;
             }
             const std::string form = FirstText(note, "Form");
@@ -192,11 +230,11 @@ int List(const NoteOptions& options)
                                  .dump(-1, ' ', false, nlohmann::json::error_handler_t::replace)
                           << '\n';
             else
-                std::cout << summary.id << '\t' << IsoFromTime(summary.modified) << '\t' << form << '\t' << subject
-                          << '\n';
+                std::cout << summary.id << '\t' << IsoFromTime(summary.modified) << '\t' << OneLine(form) << '\t'
+                          << OneLine(subject) << '\n';
             return true;
         });
-        return listed == 0 ? kExitDone : FailWith(listed, database.Path());
+        return listed == 0 ? exit : FailWith(listed, database.Path());
     });
 }
 

@@ -2,6 +2,8 @@
 // One reader and one writer for each form a value can take; the tables below join them.
 #include "client/app/note_json.h"
 
+#include <strings.h>
+
 #include <optional>
 
 #include "client/store/charset.h"
@@ -195,12 +197,14 @@ ReadValue ReadItem(const std::string& name, const Json& json)
     return Refuse("is " + Shown(json) + ", which is no value of an item");
 }
 
+constexpr size_t kMostNameBytes = 255;
+
 bool IsItemName(const std::string& name)
 {
     for (const char c : name)
         if (c <= 0x20 || c > 0x7E)
             return false;
-    return !name.empty();
+    return !name.empty() && name.size() <= kMostNameBytes;
 }
 
 // ---- Members of a note, from JSON: what is wrong, or nothing ---------------------------------
@@ -211,7 +215,8 @@ std::string ReadItems(const Json& json, Note* note)
         return "is not an object";
     for (const auto& [name, value] : json.items()) {
         if (!IsItemName(name))
-            return "has an item named \"" + name + "\"; names are printable ASCII without blanks";
+            return "has an item named \"" + name +
+                   "\"; names are 1 to 255 characters of printable ASCII without blanks";
         ReadValue read = ReadItem(name, value);
         if (!read.item)
             return "." + name + " " + read.error;
@@ -378,6 +383,14 @@ void WriteStamp(const char* key, const TIMEDATE& stamp, Json* json)
         (*json)[key] = text;
 }
 
+// What a sealed note keeps readable is what tells its kind and how it is shown.
+void MarkForSealing(Note* note)
+{
+    for (Item& item : note->items)
+        if (item.name.front() != '$' && strcasecmp(item.name.c_str(), "Form") != 0)
+            item.flags |= kItemSealed;
+}
+
 }  // namespace
 
 bool NoteFromJson(const Json& json, Note* note, std::string* error)
@@ -396,6 +409,8 @@ bool NoteFromJson(const Json& json, Note* note, std::string* error)
             return false;
         }
     }
+    if (note->sealed)
+        MarkForSealing(note);
     return true;
 }
 

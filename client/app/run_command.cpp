@@ -1,6 +1,7 @@
 // client/app/run_command.cpp: pavex run: the client stays, the add-in keeps the metadata up to date.
 #include "client/app/addin_host.h"
 #include "client/app/command.h"
+#include "client/app/instance_lock.h"
 #include "client/app/signals.h"
 
 namespace pavex {
@@ -13,6 +14,9 @@ int Run()
 {
     HoldSignals();
     std::string error;
+    const std::optional<InstanceLock> lock = InstanceLock::Take(&error);
+    if (!lock)
+        return Fail(error);
     const std::unique_ptr<AddIn> addIn = AddIn::Load(&error);
     if (addIn == nullptr)
         return Fail(error);

@@ -115,8 +115,17 @@ int RunSettings(const SettingsArguments& arguments)
         return Fail("no display and no terminal to show the settings on; use the options, or --show");
     TextFrontEnd frontEnd(options);
     SetFrontEnd(&frontEnd);
+    std::string notWritten;
+    SetLogObserver([&notWritten](const LogEntry& entry) {
+        if (entry.id == 0)
+            notWritten = entry.text;  // the client's own: the settings file could not be written
+        return true;
+    });
     addIn->OpenDialog();
+    SetLogObserver(nullptr);
     SetFrontEnd(nullptr);
+    if (!notWritten.empty())
+        return Fail(notWritten);
     return Judge(frontEnd, !ChangesAskedFor(arguments).empty());
 }
 

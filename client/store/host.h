@@ -32,6 +32,8 @@ std::string UserName();
 
 // AddInShouldTerminate answers true from now on.
 void RequestTermination(bool terminate = true);
+// Threads made with OSCreateThread and not joined yet.
+int ThreadsMade();
 // Waits until every thread made with OSCreateThread has ended.
 void JoinThreads();
 // Databases that the calling thread has open through VLTDbOpen.

@@ -99,6 +99,12 @@ void PavexTermThread(void)
 
 namespace pavex {
 
+int ThreadsMade()
+{
+    const std::lock_guard lock(threadsMutex);
+    return static_cast<int>(threads.size());
+}
+
 void JoinThreads()
 {
     for (;;) {
