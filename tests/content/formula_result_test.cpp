@@ -54,6 +54,12 @@ TEST(FormulaResult, ATextOrAListOfThem)
     EXPECT_EQ(TextOf(Bytes(kTypeTextList) + Bytes(WORD{2}) + Bytes(WORD{1}) + Bytes(WORD{2}) + "abc"), "a, bc");
 }
 
+TEST(FormulaResult, ALineBreakInATextIsABlank)
+{
+    EXPECT_EQ(TextOf(Bytes(kTypeText) + std::string("two\0lines", 9)), "two lines");
+    EXPECT_EQ(TextOf(Bytes(kTypeText) + std::string("two\0lines", 9), 6), "two l");
+}
+
 TEST(FormulaResult, NothingElseIsATitle)
 {
     for (const WORD type : {kTypeRichText, kTypeFormula, WORD{0x0900}})

@@ -71,6 +71,22 @@ TEST_F(ListText, KeepsANameThatTheStoreCannotAbbreviate)
     EXPECT_EQ(Addresses(note, "SendTo", 6), "CN=An");
 }
 
+TEST_F(ListText, ALineBreakInANameIsABlank)
+{
+    const NOTEHANDLE note = Open({pavex::TextListItem("SendTo", {"CN=Ann\nLee/O=Acme", "a\nb", "joe"})});
+    EXPECT_EQ(Addresses(note, "SendTo", 1000), "Ann Lee/Acme, a b, joe");
+    EXPECT_EQ(IndexItem(note, kIndexAddresses, "SendTo", "to", event_, false), 0);
+    EXPECT_EQ(Property("to"), "Ann Lee/Acme, a b, joe");
+}
+
+TEST_F(ListText, FindsTheOneNameBehindTensOfThousandsOfEmptyEntries)
+{
+    std::vector<std::string> names(65535);
+    names.back() = "CN=Ann Lee/O=Acme";
+    const NOTEHANDLE note = Open({pavex::TextListItem("SendTo", names)});
+    EXPECT_EQ(Addresses(note, "SendTo", 1000), "Ann Lee/Acme");
+}
+
 struct CategoryList {
     std::string text;
     WORD length;
@@ -100,6 +116,14 @@ TEST_F(ListText, ReplacesCategoryCodesByTheirNames)
     EXPECT_EQ(Categories(note, "Lower", 1000).text, holiday + ", " + kPhoneCallsName + ", Hobby, PCs");
     EXPECT_EQ(Categories(note, "One", 1000).text, kPhoneCallsName);
     EXPECT_EQ(Categories(note, "Absent", 1000), (CategoryList{"", 0}));
+}
+
+TEST_F(ListText, ALineBreakInACategoryIsABlank)
+{
+    const NOTEHANDLE note = Open({pavex::TextListItem("Categories", {"Work\nHome", "H\nx", "H\n", "Last"})});
+    EXPECT_EQ(Categories(note, "Categories", 1000).text, "Work Home, H x, H , Last");
+    EXPECT_EQ(IndexItem(note, kIndexCategories, "Categories", "categories", event_, false), 0);
+    EXPECT_EQ(Property("categories"), "Work Home, H x, H , Last");
 }
 
 TEST_F(ListText, ACodeWithoutAnEntryInTheTableShowsItsNumber)

@@ -39,4 +39,14 @@ TEST(ScsText, WidensNoMoreThanTheLimit)
     EXPECT_EQ(WideFromScs(text.data(), 40000, 1).GetLength(), 0);
 }
 
+TEST(AsciiCase, IsAllThatTwoTextsMayDifferIn)
+{
+    EXPECT_TRUE(SameWithoutCase("", ""));
+    EXPECT_TRUE(SameWithoutCase("Reply With History", "rEPLY wITH hISTORY"));
+    EXPECT_FALSE(SameWithoutCase("Memo", "Memos"));
+    EXPECT_FALSE(SameWithoutCase("Memo", std::string_view("Memo\0", 5)));
+    EXPECT_FALSE(SameWithoutCase("\xC3\x84", "\xC3\xA4"));  // letters, but not ASCII's
+    EXPECT_FALSE(SameWithoutCase("@[", "`{"));              // as far apart as letters are
+}
+
 }  // namespace
