@@ -75,6 +75,13 @@ TEST_F(Classification, AFormIsComparedWholeAndWithoutRegardToCase)
     EXPECT_EQ(KindsOfForm("Appoint"), "");
 }
 
+TEST_F(Classification, AFormWithALineBreakIsNotWhatStandsBeforeIt)
+{
+    EXPECT_EQ(KindsOfForm("Memo\nanything"), "");
+    EXPECT_EQ(KindsOfForm("Memo\n"), "");
+    EXPECT_EQ(Kinds({TextListItem("Form", {"Task\n", "Memo"})}), "");
+}
+
 TEST_F(Classification, AListOfFormsCountsByItsFirst)
 {
     EXPECT_EQ(Kinds({TextListItem("Form", {"Task", "Memo"})}), "t");

@@ -139,6 +139,8 @@ TEST_F(ContactIndexer, ThePrimaryNumbersAreTheFirstOfTheirKind)
     EXPECT_EQ(primary({TextItem("PhoneNumber", "home"), TextItem("PhoneNumber_6", "six")}), "six/");
     EXPECT_EQ(primary({TextItem("PhoneNumber", "home")}), "home/");
     EXPECT_EQ(primary({TextItem("HomeFAXPhoneNumber", "fax")}), "/fax");
+    EXPECT_EQ(primary({TextItem("CellPhoneNumber", "\xF0\x9F\x93\xB1 2"), TextItem("PhoneNumber", "home")}),
+              "\xF0\x9F\x93\xB1 2/");
     EXPECT_EQ(primary({TextItem("OfficePhoneNumber", ""), TextItem("PhoneNumber", "home")}), "home/");
 }
 

@@ -3,6 +3,7 @@
 
 #include "settings/settings.h"
 #include "tests/indexers/indexer_fixture.h"
+#include "tests/indexers/property_faults.h"
 
 namespace {
 
@@ -65,6 +66,26 @@ TEST_F(MailIndexer, TakesTheModificationTimeWhereThePostedTimeIsNone)
               "date 2007-03-02T09:30:00Z");
 }
 
+TEST_F(MailIndexer, TakesTheModificationTimeWhereThePostedTimeHasNoDate)
+{
+    const TIMEDATE timeOnly = {{3693000, 0xFFFFFFFF}};
+    EXPECT_EQ(
+        Indexed({TextItem("Form", "Memo"), pavex::TimeItem("PostedDate", timeOnly)}, IndexMailNote).at("received"),
+        "date 2007-03-02T09:30:00Z");
+}
+
+TEST_F(MailIndexer, AMessageWithoutAnyTimeIsRemoved)
+{
+    const uint32_t id = Put({TextItem("Form", "Memo"), TextItem("PostedDate", "soon")});
+    ASSERT_TRUE(Index(id, IndexMailNote));
+    ASSERT_EQ(Extension(id), "vPavexMessage");
+    const NoteTimesFault fault;
+    EXPECT_TRUE(Index(id, IndexMailNote));
+    EXPECT_EQ(context_.lastStatus, 549);
+    EXPECT_EQ(context_.blankResult, 0u);
+    EXPECT_EQ(Extension(id), "");
+}
+
 TEST_F(MailIndexer, RemovesADraftUnlessDraftsAreIndexed)
 {
     const uint32_t draft = Put({TextItem("Form", "Memo"), TextItem("Subject", "unsent")});
@@ -94,6 +115,18 @@ TEST_F(MailIndexer, IndexesAChatUnlessChatsAreOff)
     EXPECT_EQ(Metafile(chat).at("received"), "date 2007-03-02T09:30:00Z");
 
     SetIndexingChats(false);
+    EXPECT_TRUE(Index(chat, IndexMailNote));
+    EXPECT_EQ(context_.lastStatus, 549);
+    EXPECT_EQ(Extension(chat), "");
+}
+
+TEST_F(MailIndexer, AChatIsNoDraftWhereOnlyDraftsAreIndexed)
+{
+    const uint32_t chat = Put({TextItem("Form", "Memo"), TextItem("$IMTranscript", "1")});
+    ASSERT_TRUE(Index(chat, IndexMailNote));
+    ASSERT_EQ(Extension(chat), "vPavexMessage");
+    SetIndexingChats(false);
+    SetIndexingDrafts(true);
     EXPECT_TRUE(Index(chat, IndexMailNote));
     EXPECT_EQ(context_.lastStatus, 549);
     EXPECT_EQ(Extension(chat), "");

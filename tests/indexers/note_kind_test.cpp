@@ -15,6 +15,7 @@
 #include "settings/settings.h"
 #include "tests/indexers/indexer_fixture.h"
 #include "tests/indexers/property_faults.h"
+#include "tests/support/fault_plan.h"
 
 namespace {
 
@@ -24,8 +25,9 @@ struct KindCase {
     const char* name;
     Indexer indexer;
     const char* extension;
-    Strings keys;       // of a note with every item below, in order
-    Strings unchecked;  // whose failure does not count
+    Strings keys;                  // of a note with every item below, in order
+    Strings unchecked;             // whose failure does not count
+    const char* always = nullptr;  // added whatever became of what follows the time
 };
 
 void PrintTo(const KindCase& kind, std::ostream* out)
@@ -164,7 +166,8 @@ const KindCase kKinds[] = {
      IndexDiscussionNote,
      "vPavexDiscussion",
      {"message_time", kContent, kUrl, "title", "discussion_authors"},
-     {"discussion_authors"}},
+     {"discussion_authors"},
+     "discussion_authors"},
     {"history", IndexHistoryNote, "vPavexHistory", {kModifiedKey, kUrl, kContentUrlKey, "title"}, {}},
     // The body's text and then the items': the second is a value too many for its key.
     {"generic", IndexGenericNote, "vPavexNote", {kModifiedKey, kContent, kContent, kUrl, "title"}, {}},
@@ -173,6 +176,16 @@ const KindCase kKinds[] = {
 std::string FullKey(const std::string& key)
 {
     return key[0] == '~' ? "com_quorvex_morvane_pavex_" + key.substr(1) : key;
+}
+
+// The properties that are asked for when the one at `failing` is refused.
+Strings KeysAfterFailure(const KindCase& kind, size_t failing, bool unchecked)
+{
+    Strings keys;
+    for (size_t i = 0; i < kind.keys.size(); ++i)
+        if (unchecked || i <= failing || (failing > 0 && kind.always != nullptr && kind.keys[i] == kind.always))
+            keys.push_back(FullKey(kind.keys[i]));
+    return keys;
 }
 
 class EveryKind : public IndexerTest, public testing::WithParamInterface<KindCase> {
@@ -209,7 +222,7 @@ TEST_P(EveryKind, AFailingPropertyLeavesNoFileUnlessItIsNotChecked)
         TakeLog();
         const PropertyFault fault(static_cast<int>(i) + 1);
         EXPECT_EQ(Index(id, GetParam().indexer), unchecked);
-        EXPECT_EQ(fault.Keys()[i], FullKey(key));
+        EXPECT_EQ(fault.Keys(), KeysAfterFailure(GetParam(), i, unchecked));
         EXPECT_EQ(fault.Sent(), unchecked);
         EXPECT_EQ(context_.lastStatus, 0);
         EXPECT_EQ(context_.blankResult, unchecked ? 0u : static_cast<uint32_t>(-7));
@@ -277,6 +290,64 @@ TEST_P(EveryKind, ANoteWithoutATimeIsRemoved)
         EXPECT_TRUE(Index(id, GetParam().indexer));
     }
     EXPECT_EQ(context_.lastStatus, 549);
+    EXPECT_EQ(context_.blankResult, 0u);
+    EXPECT_EQ(Extension(id), "");
+}
+
+TEST_P(EveryKind, ARemovalThatFailsIsAnError)
+{
+    auto items = NoteForAll();
+    std::erase_if(items, [](const pavex::Item& item) { return item.name == "PostedDate"; });
+    SetIndexingDrafts(true);
+    const uint32_t id = Put(items);
+    ASSERT_TRUE(Index(id, GetParam().indexer));
+    {
+        const NoteTimesFault times;
+        const NamedFault fault("VLTDbGetNoteInfo");
+        EXPECT_FALSE(Index(id, GetParam().indexer));
+    }
+    EXPECT_EQ(context_.lastStatus, 549);
+    EXPECT_EQ(Extension(id), GetParam().extension);
+}
+
+class NoteKindSteps : public IndexerTest {
+protected:
+    // Indexes a note as one of this type whose steps add three keys, the second with the result.
+    bool IndexSteps(SearchEngineEventType type, uint32_t id)
+    {
+        static constexpr PropertyStep kSteps[] = {{AddKey, "first"}, {AddKey, "second"}, {AddKey, "third"}};
+        const NoteKind kind = {type, [](IndexJob&) { return true; }, kSteps, true};
+        const OpenNote note(Handle(), id);
+        context_ = {};
+        context_.lastStatus = 1;
+        return IndexNoteAs(kind, note.Get(), &context_);
+    }
+
+private:
+    static SearchEngineResult AddKey(const PropertyStep& step, IndexJob&, SearchEngineEvent& event)
+    {
+        return event.AddProperty(CString(step.key), CString("value"));
+    }
+};
+
+TEST_F(NoteKindSteps, StopAtTheFirstResultThatIsNotZero)
+{
+    const uint32_t id = Put(std::vector<pavex::Item>{});
+    const PropertyFault fault(2);
+    EXPECT_FALSE(IndexSteps(kSearchEventNote, id));
+    EXPECT_EQ(fault.Keys(), (Strings{"first", "second"}));
+    EXPECT_FALSE(fault.Sent());
+    EXPECT_EQ(context_.blankResult, static_cast<uint32_t>(-7));
+}
+
+TEST_F(NoteKindSteps, AnEventOfNoKindIsNotFilledAndNotWritten)
+{
+    const uint32_t id = Put(std::vector<pavex::Item>{});
+    const PropertyFault none(0);
+    EXPECT_TRUE(IndexSteps(kSearchEventNone, id));
+    EXPECT_EQ(none.Keys(), Strings{});
+    EXPECT_FALSE(none.Sent());
+    EXPECT_EQ(context_.lastStatus, 0);
     EXPECT_EQ(context_.blankResult, 0u);
     EXPECT_EQ(Extension(id), "");
 }

@@ -11,6 +11,7 @@ int failingProperty = 0;
 bool refuseSend = false;
 bool sent = false;
 bool hideNoteTimes = false;
+bool hideClock = false;
 std::vector<std::string> keys;
 
 bool Refuses(const CString& key)
@@ -32,6 +33,7 @@ SearchEngineResult __real__ZN17SearchEngineEvent11AddPropertyERK7CStringRKj(Sear
                                                                             const unsigned&);
 SearchEngineResult __real__ZN17SearchEngineEvent4SendEiPi(SearchEngineEvent*, int, int*);
 void __real_VLTNoteGetInfo(NOTEHANDLE, WORD, void*);
+void __real_OSCurrentTIMEDATE(TIMEDATE*);
 
 SearchEngineResult __wrap__ZN17SearchEngineEvent11AddPropertyERK7CStringS2_(SearchEngineEvent* event,
                                                                             const CString& key, const CString& value)
@@ -69,6 +71,13 @@ void __wrap_VLTNoteGetInfo(NOTEHANDLE note, WORD selector, void* value)
         TimeConstant(2, &static_cast<ORIGINATORID*>(value)->Unid.Note);
     }
 }
+
+void __wrap_OSCurrentTIMEDATE(TIMEDATE* time)
+{
+    __real_OSCurrentTIMEDATE(time);
+    if (hideClock)
+        TimeConstant(2, time);
+}
 }
 // NOLINTEND(bugprone-reserved-identifier)
 
@@ -104,4 +113,14 @@ NoteTimesFault::NoteTimesFault()
 NoteTimesFault::~NoteTimesFault()
 {
     hideNoteTimes = false;
+}
+
+ClockFault::ClockFault()
+{
+    hideClock = true;
+}
+
+ClockFault::~ClockFault()
+{
+    hideClock = false;
 }

@@ -28,3 +28,12 @@ public:
     NoteTimesFault(const NoteTimesFault&) = delete;
     NoteTimesFault& operator=(const NoteTimesFault&) = delete;
 };
+
+// While it lives, the clock's time has neither a date nor a time of day.
+class ClockFault {
+public:
+    ClockFault();
+    ~ClockFault();
+    ClockFault(const ClockFault&) = delete;
+    ClockFault& operator=(const ClockFault&) = delete;
+};

@@ -2,6 +2,7 @@
 #include "content/note_times.h"
 #include "indexers/calendar.h"
 #include "tests/indexers/indexer_fixture.h"
+#include "tests/indexers/property_faults.h"
 
 namespace {
 
@@ -11,6 +12,16 @@ double Seconds(const char* iso)
     double seconds = 0;
     EXPECT_TRUE(TIMEDATEtoUTC(&time, seconds));
     return seconds;
+}
+
+// A date in its own text form, as the store writes it.
+std::string DateText(const char* iso)
+{
+    char buffer[80];
+    WORD length = 0;
+    const TIMEDATE time = Time(iso);
+    EXPECT_EQ(ConvertTIMEDATEToText(nullptr, nullptr, &time, buffer, sizeof buffer, &length), 0);
+    return std::string(buffer, length);
 }
 
 class TimeRange : public IndexerTest {
@@ -43,20 +54,26 @@ TEST_F(TimeRange, EveryOccurrenceLastsAsLongAsTheFirstInstance)
 
 TEST_F(TimeRange, WhatIsNoDateLeavesNoGap)
 {
-    // Dates in their own text form, as the store writes them.
-    const auto text = [](const char* iso) {
-        char buffer[80];
-        WORD length = 0;
-        const TIMEDATE time = Time(iso);
-        EXPECT_EQ(ConvertTIMEDATEToText(nullptr, nullptr, &time, buffer, sizeof buffer, &length), 0);
-        return std::string(buffer);
-    };
     ASSERT_EQ(
-        Fill({TextListItem("CalendarDateTime", {text("2007-03-12T10:00:00Z"), "soon", text("2007-03-19T10:00:00Z")}),
+        Fill({TextListItem("CalendarDateTime",
+                           {DateText("2007-03-12T10:00:00Z"), "soon", DateText("2007-03-19T10:00:00Z")}),
               TimeItem("StartDateTime", "2007-03-05T10:00:00Z"), TimeItem("EndDateTime", "2007-03-05T11:00:00Z")}),
         2);
     EXPECT_EQ(StartEndTimes1[0].start, Seconds("2007-03-12T10:00:00Z"));
     EXPECT_EQ(StartEndTimes1[1].start, Seconds("2007-03-19T10:00:00Z"));
+}
+
+TEST_F(TimeRange, ATextThatFillsTheBufferHoldsNoDates)
+{
+    const auto pairsOf = [this](size_t bytes) {
+        std::string text = DateText("2007-03-12T10:00:00Z") + "|";
+        text.resize(bytes, 'x');
+        return Fill({TextItem("CalendarDateTime", text), TimeItem("StartDateTime", "2007-03-05T10:00:00Z"),
+                     TimeItem("EndDateTime", "2007-03-05T11:00:00Z")});
+    };
+    EXPECT_EQ(pairsOf(32767), 1);
+    EXPECT_EQ(pairsOf(32768), 0);
+    EXPECT_EQ(pairsOf(40000), 0);
 }
 
 TEST_F(TimeRange, OnlyTheFirstStartAndTheFirstEndCount)
@@ -138,6 +155,13 @@ TEST_F(TimeRange, TheOrderOfTheListDecidesNotThatOfTime)
 TEST_F(TimeRange, AnOccurrenceThatStartsNowIsNotToComeAnyMore)
 {
     EXPECT_EQ(Occurrences({kNow, "2007-03-11T10:00:00Z"}).at("start_date"), "date 2007-03-11T10:00:00Z");
+}
+
+TEST_F(TimeRange, NamesTheFirstWhenTheClockHasNoTime)
+{
+    const ClockFault fault;
+    EXPECT_EQ(Occurrences({"2007-03-01T10:00:00Z", "2007-03-11T10:00:00Z"}).at("start_date"),
+              "date 2007-03-01T10:00:00Z");
 }
 
 TEST_F(TimeRange, NoPairsAddNothing)
