@@ -89,6 +89,13 @@ TEST(SearchEngineEvent, ReplacesWhatNoXmlTextCanHold)
     EXPECT_EQ(Text(event, "title").GetWString(), L"a\xFFFD\t\n\xD83D\xDE00\xFFFD|\xFFFD\xFFFD");
 }
 
+TEST(SearchEngineEvent, LooksAtPairsAnewBehindEveryReplacement)
+{
+    SearchEngineEvent event(kSearchEventMessage);
+    event.AddProperty("title", CString(std::wstring(L"\xD83D\xD83D\xDE00\xDE00\x1\xDE00\xD83D")));
+    EXPECT_EQ(Text(event, "title").GetWString(), L"\xFFFD\xD83D\xDE00\xFFFD\xFFFD\xFFFD\xFFFD");
+}
+
 TEST(SearchEngineEvent, IsValidUnlessItIsNone)
 {
     for (uint32_t type = 0; type < 12; ++type)

@@ -133,6 +133,26 @@ TEST_F(SearchEngineStore, WritesWhatPythonReadsBack)
               "title str <Caf\xC3\xA9> & \xF0\x9F\x98\x80\n");
 }
 
+TEST_F(SearchEngineStore, WritesDatesOfOtherYearsAsTheNearestThatPythonReads)
+{
+    constexpr double kYear = 365.2425 * 86400;
+    OwnSearchEngine engine;
+    SearchEngineEvent event = Event(kSearchEventContact, kUrl, "x");
+    event.AddProperty("in_0", (0.5 - 2001) * kYear);
+    event.AddProperty("in_12000", (12000.5 - 2001) * kYear);
+    event.AddProperty("on_the_first_day", -63113904000.0);
+    event.AddProperty("on_the_last_day", 252423993599.0);
+    engine.SendEvent(event, 0);
+    EXPECT_EQ(PythonReads(Below("AAAA/BBBBCCCC.vPavexContact")),
+              "com.quorvex.pavex.uri str Pavex:///AAAA//BBBBCCCC\n"
+              "com_quorvex_morvane_pavex_metafile_version str 1.0.0\n"
+              "in_0 datetime 0001-01-01 00:00:00\n"
+              "in_12000 datetime 9999-12-31 23:59:59\n"
+              "on_the_first_day datetime 0001-01-01 00:00:00\n"
+              "on_the_last_day datetime 9999-12-31 23:59:59\n"
+              "title str x\n");
+}
+
 TEST_F(SearchEngineStore, WritesTheExampleOfTheFormatsPage)
 {
     const std::string page = ReadWholeFile(TORVIK_SOURCE_DIR "/docs/formats/metafile.md");
@@ -260,6 +280,22 @@ TEST_F(SearchEngineStore, StopsAtTheFirstExtensionItCouldRemove)
     EXPECT_EQ(Notes(), (std::vector<std::string>{"BBBBCCCC.vPavexContact", "BBBBCCCC.vPavexNote"}));
     engine.DeleteNoteEntry(kUrl);
     EXPECT_EQ(Notes(), std::vector<std::string>{"BBBBCCCC.vPavexNote"});
+}
+
+TEST_F(SearchEngineStore, TriesTheExtensionsInTheOrderOfTheirKinds)
+{
+    OwnSearchEngine engine;
+    const std::vector<std::string> order = {
+        "BBBBCCCC.vPavexMessage", "BBBBCCCC.vPavexCalendar",   "BBBBCCCC.vPavexTask",    "BBBBCCCC.vPavexContact",
+        "BBBBCCCC.vPavexJournal", "BBBBCCCC.vPavexDiscussion", "BBBBCCCC.vPavexHistory", "BBBBCCCC.vPavexNote"};
+    for (const std::string& name : order)
+        Touch("AAAA/" + name);
+    for (auto next = order.begin(); next != order.end(); ++next) {
+        EXPECT_EQ(engine.DeleteNoteEntry(kUrl), 0);
+        std::vector<std::string> left(next + 1, order.end());
+        std::sort(left.begin(), left.end());
+        EXPECT_EQ(Notes(), left) << "after " << *next;
+    }
 }
 
 TEST_F(SearchEngineStore, RemovesWhatAKilledWriterLeftWithTheNote)
