@@ -20,19 +20,19 @@ constexpr int kShowVisible = 5;
 
 // Message-box flags and its answer for OK.
 constexpr int kBoxOk = 0;
-constexpr int kBoxWarning = 48;            // OK, warning icon
-constexpr int kBoxOkCancelQuestion = 33;   // OK and Cancel, question icon
-constexpr int kBoxOkCancelWarning = 49;    // OK and Cancel, warning icon
+constexpr int kBoxWarning = 48;           // OK, warning icon
+constexpr int kBoxOkCancelQuestion = 33;  // OK and Cancel, question icon
+constexpr int kBoxOkCancelWarning = 49;   // OK and Cancel, warning icon
 constexpr int kAnswerOk = 1;
 
 // Messages that SendMessage takes.
-constexpr unsigned int kListDelete = 386;        // wParam index; answers the entries left, -1 on error
-constexpr unsigned int kListSetSelection = 390;  // wParam index; answers it, -1 on error
-constexpr unsigned int kListGetSelection = 392;  // answers the index, -1 for none
-constexpr unsigned int kListGetText = 393;       // wParam index, lParam char[257]; answers the length, -1 on error
-constexpr unsigned int kListGetTextLength = 394; // wParam index; bytes
-constexpr unsigned int kListGetCount = 395;      // answers the entries, -1 on error
-constexpr unsigned int kEditLimitText = 1045;    // wParam: most characters the user can type
+constexpr unsigned int kListDelete = 386;         // wParam index; answers the entries left, -1 on error
+constexpr unsigned int kListSetSelection = 390;   // wParam index; answers it, -1 on error
+constexpr unsigned int kListGetSelection = 392;   // answers the index, -1 for none
+constexpr unsigned int kListGetText = 393;        // wParam index, lParam char[257]; answers the length, -1 on error
+constexpr unsigned int kListGetTextLength = 394;  // wParam index; bytes
+constexpr unsigned int kListGetCount = 395;       // answers the entries, -1 on error
+constexpr unsigned int kEditLimitText = 1045;     // wParam: most characters the user can type
 
 // The handle of a control, 0 when the dialog has none of that id.
 unsigned long GetDlgItem(unsigned long window, int id);
