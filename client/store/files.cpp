@@ -1,14 +1,21 @@
 // client/store/files.cpp: temporary files and the removal of files.
 #include <fcntl.h>
+#include <signal.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <cerrno>
+#include <charconv>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <string>
+#include <string_view>
 
 #include "client/store/charset.h"
 #include "client/store/descriptor.h"
 #include "client/store/handle_table.h"
+#include "client/store/host.h"
 #include "client/store/status.h"
 #include "platform/store.h"
 
@@ -22,10 +29,36 @@ HandleTable<Descriptor>& Files()
     return files;
 }
 
+constexpr const char* kNameStart = "pavex-";
+
+bool IsUsableFolder(const char* folder)
+{
+    struct stat about {};
+    return folder != nullptr && *folder == '/' && stat(folder, &about) == 0 && S_ISDIR(about.st_mode) &&
+           access(folder, W_OK | X_OK) == 0;
+}
+
+// Where the user says; else in memory, since the text of every note passes through such a file: a disk's file
+// system spends more on making and removing it than all else costs, and the text may be a sealed one.
 std::string TemporaryFolder()
 {
-    const char* const folder = std::getenv("TMPDIR");
-    return folder != nullptr && *folder == '/' ? folder : "/tmp";
+    if (const char* const folder = std::getenv("TMPDIR"); folder != nullptr && *folder == '/')
+        return folder;
+    for (const char* folder : {static_cast<const char*>(std::getenv("XDG_RUNTIME_DIR")), "/dev/shm"})
+        if (IsUsableFolder(folder))
+            return folder;
+    return "/tmp";
+}
+
+// The process that made a file with this name; 0 for any other name.
+pid_t MakerOf(std::string_view name)
+{
+    if (!name.starts_with(kNameStart))
+        return 0;
+    pid_t maker = 0;
+    name.remove_prefix(std::strlen(kNameStart));
+    std::from_chars(name.data(), name.data() + name.size(), maker);
+    return maker;
 }
 
 }  // namespace
@@ -33,7 +66,7 @@ std::string TemporaryFolder()
 STATUS OSCreateTempFile(char* name, WORD size, DWORD* file)
 {
     *file = 0;
-    std::string native = TemporaryFolder() + "/pavex-XXXXXX";
+    std::string native = TemporaryFolder() + "/" + kNameStart + std::to_string(getpid()) + "-XXXXXX";
     auto open = std::make_unique<Descriptor>(mkostemp(native.data(), O_CLOEXEC));  // mode 0600
     if (!open->IsOpen())
         return StatusOfErrno(errno);
@@ -60,3 +93,21 @@ STATUS OSFileDelete(const char* name)
 {
     return unlink(Utf8FromScs(name).c_str()) == 0 ? kStatusOk : StatusOfErrno(errno);
 }
+
+namespace pavex {
+
+void SweepTemporaryFiles()
+{
+    namespace fs = std::filesystem;
+    std::error_code none;  // what cannot be looked at or removed is not ours
+    for (const fs::directory_entry& entry : fs::directory_iterator(TemporaryFolder(), none)) {
+        struct stat about {};
+        const pid_t maker = MakerOf(entry.path().filename().string());
+        const bool makerIsGone = maker > 0 && kill(maker, 0) != 0 && errno == ESRCH;
+        if (makerIsGone && lstat(entry.path().c_str(), &about) == 0 && S_ISREG(about.st_mode) &&
+            about.st_uid == getuid())
+            fs::remove(entry.path(), none);
+    }
+}
+
+}  // namespace pavex

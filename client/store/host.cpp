@@ -150,6 +150,7 @@ bool StartHost(const Places& newPlaces, std::string* error)
     places = newPlaces;
     mainThread = std::this_thread::get_id();
     SetCachesFolder(places.caches);
+    SweepTemporaryFiles();
     return true;
 }
 

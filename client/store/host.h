@@ -24,6 +24,8 @@ Places FindPlaces(const std::string& homeOption);
 // False, with *error saying what, which file and why, when a folder cannot be made.
 bool StartHost(const Places& places, std::string* error);
 const Places& CurrentPlaces();
+// Removes the user's temporary files of processes that were killed.
+void SweepTemporaryFiles();
 
 // bundleFolder: the folder with the LANG.lproj folders of the add-in; empty: none.
 void SetAddInBundle(const std::string& bundleFolder);

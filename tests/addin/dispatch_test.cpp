@@ -56,8 +56,7 @@ struct FormAndKind {
 TEST_F(Dispatch, EachFormGoesToItsIndexer)
 {
     SetVariable("GDSIndexDiscussion", "1");
-    for (const FormAndKind& row : {FormAndKind{"Memo", "vPavexMessage"},
-                                   {"Person", "vPavexContact"},
+    for (const FormAndKind& row : {FormAndKind{"Person", "vPavexContact"},
                                    {"JournalEntry", "vPavexJournal"},
                                    {"MainTopic", "vPavexDiscussion"}}) {
         const uint32_t id = mail_.AddPlain(row.form, row.form);

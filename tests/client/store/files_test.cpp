@@ -1,4 +1,8 @@
 // tests/client/store/files_test.cpp: temporary files.
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
@@ -50,6 +54,27 @@ TEST_F(TemporaryFiles, CannotBeMadeWithoutTheirFolder)
     DWORD file = 7;
     EXPECT_EQ(OSCreateTempFile(name, sizeof name, &file), kStatusNoSuchFile);
     EXPECT_EQ(file, 0u);
+}
+
+TEST_F(TemporaryFiles, OfAProcessThatWasKilledAreSweptAwayAndOthersStay)
+{
+    const pid_t child = fork();
+    if (child == 0) {
+        char name[768];
+        DWORD file = 0;
+        OSCreateTempFile(name, sizeof name, &file);
+        raise(SIGKILL);
+    }
+    waitpid(child, nullptr, 0);
+    char ours[768];
+    DWORD file = 0;
+    ASSERT_EQ(OSCreateTempFile(ours, sizeof ours, &file), kStatusOk);
+    OSCloseFile(file);
+    WriteWholeFile(dir / "pavex-notes.txt", "not a temporary file");
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.Path()), {}), 3);
+    SweepTemporaryFiles();
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.Path()), {}), 2);
+    EXPECT_TRUE(std::filesystem::exists(ours));
 }
 
 TEST_F(TemporaryFiles, HaveNamesInTheStoresCharacterSet)
