@@ -22,7 +22,7 @@ public:
     // Returns the note's id.  Deleting and changing get a stamp of their own each.
     uint32_t Add(const std::string& subject, const std::string& form = "Memo");
     uint32_t AddPlain(const std::string& subject, const std::string& form);  // no more than these: not mail
-    void AddMany(int count, const std::string& subject);  // one transaction
+    void AddMany(int count, const std::string& subject);                     // one transaction
     void Change(uint32_t id, const std::string& subject);
     void Delete(uint32_t id);
     std::string UrlOf(uint32_t id);
