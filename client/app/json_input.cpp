@@ -84,7 +84,7 @@ void ReadJsonValues(std::istream& input, const JsonCallback& callback)
             // Perhaps all of it is one value.  If not, it is a value a line, and this line is a bad one.
             std::string wholeError;
             const std::string& rest = lines.PeekAll();
-            Json whole = Parse(line + '\n' + rest, &wholeError);
+            Json whole = Parse(std::string(line).append("\n").append(rest), &wholeError);
             const bool manyLines = !IsBlank(rest);
             if (!whole.is_discarded() || (manyLines && OpensValue(line))) {
                 callback(whole, number, wholeError);

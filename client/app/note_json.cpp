@@ -405,7 +405,7 @@ bool NoteFromJson(const Json& json, Note* note, std::string* error)
     }
     for (const auto& [key, value] : json.items()) {
         if (const std::string wrong = ReadMember(key, value, note); !wrong.empty()) {
-            *error = key + (wrong.front() == '.' ? "" : " ") + wrong;
+            *error = std::string(key).append(wrong.front() == '.' ? "" : " ").append(wrong);
             return false;
         }
     }
