@@ -158,12 +158,19 @@ bool EntryStore::FindContent(const SourceEntryFound& entry, std::optional<Source
 
 bool EntryStore::Offer(SourceEntryFound entry, ImportReport* report)
 {
+    // Others wait for the database: a long stretch of unchanged entries must not keep it.
+    if (inTransaction_ && std::chrono::steady_clock::now() - begun_ >= kLongestTransaction && !Commit())
+        return false;
     std::optional<SourceEntry> row;
     bool identityKnown = false;
     if (!FindContent(entry, &row, &identityKnown))
         return false;
     if (row)
         return TakeKnown(entry, *row, report);
+    if (!identityKnown && !inTransaction_) {
+        // Another import may have written it since: look again, now that the database is ours.
+        return BeginWrite() && Offer(std::move(entry), report);
+    }
     if (!identityKnown)
         return WriteNote(entry, entry.identity, 0, report);
     setAside_.push_back(std::move(entry));

@@ -82,14 +82,17 @@ bool LooksLikeMessage(const SourceFile& file)
 bool HandOutMessage(MessagePlace place, const ImportOptions& options, EntryHandler& handler)
 {
     place.draft = place.draft || place.facts.draft;
-    if (place.facts.deleted || place.facts.mailboxRecord)
-        return true;  // the mailbox only waits to be rid of it, or wrote it for itself
+    if (place.facts.mailboxRecord)
+        return true;  // no message: the mailbox wrote it for itself
+    if (place.facts.deleted)
+        return handler.Rejected(place.Where(), "is marked as deleted in its mailbox");
     if (const std::string reason = WhyNoMessage(place); !reason.empty())
         return handler.Rejected(place.Where(), reason);
     SourceEntryFound entry;
     entry.kind = EntryKind::kMail;
     entry.digest = NoteDigest(place, options);
-    entry.identity = "message:" + (place.facts.messageId.empty() ? "sha256:" + entry.digest : place.facts.messageId);
+    entry.identity =
+        "message:" + (place.facts.messageId.empty() ? "sha256:" + place.facts.digest : place.facts.messageId);
     entry.where = place.Where();
     entry.unread = place.unread ? place.unread : place.facts.unread;
     auto kept = std::make_shared<const MessagePlace>(std::move(place));

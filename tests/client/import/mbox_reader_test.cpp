@@ -109,7 +109,7 @@ TEST_F(MboxReaderTest, DoesNotBelieveAContentLengthThatDoesNotFit)
     }
 }
 
-TEST_F(MboxReaderTest, PassesOverDeletedMessagesAndTheMailboxItsOwnRecords)
+TEST_F(MboxReaderTest, ReportsDeletedMessagesAndPassesOverTheMailboxItsOwnRecords)
 {
     EXPECT_EQ(Read(std::string(kFrom) + "X-IMAP: 1 2\n" + Message("0@x", "DON'T DELETE") + "\n" + kFrom +
                    "X-Mozilla-Status: 0009\n" + Message("1@x", "gone") + "\n" + kFrom + Message("2@x", "two")),
