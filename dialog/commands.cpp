@@ -70,6 +70,7 @@ int SwitchIndexing(unsigned long window)
     } else if (UserAcceptsIndexing(window)) {
         EnableDialogItems(window, true);
         SetApplyButton(window);
+        SetListButtons(window);  // a full list takes no more, an empty one has nothing to remove
     } else {
         CheckDlgButton(window, kCheckEnabled, 0);
         EnableDialogItems(window, false);

@@ -56,7 +56,7 @@ std::vector<TextAction> ChangesAskedFor(const SettingsArguments& arguments)
 {
     std::vector<TextAction> changes;
     if (arguments.enable)
-        changes.push_back(SetCheckAction(kEnable, true));
+        changes.push_back(SetCheckAction(kEnable, true, true));
     for (const std::string& name : arguments.remove)
         changes.push_back(RemoveFileAction(kRemove, kDatabases, DatabasePath(name)));
     for (const std::string& name : arguments.add)

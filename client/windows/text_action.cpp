@@ -162,9 +162,9 @@ constexpr size_t kUsageWidth = 24;
 
 }  // namespace
 
-TextAction SetCheckAction(int control, bool on)
+TextAction SetCheckAction(int control, bool on, bool insist)
 {
-    return {ActionKind::SetCheck, control, 0, on, -1, {}};
+    return {ActionKind::SetCheck, control, 0, on, -1, {}, insist};
 }
 
 TextAction TypeTextAction(int control, std::string_view utf8)

@@ -27,11 +27,13 @@ struct TextAction {
     int list = 0;
     bool on = false;
     long index = -1;
-    std::string text;  // UTF-8
+    std::string text;     // UTF-8
+    bool insist = false;  // SetCheck: a dialog that takes the change back makes the action fail
 };
 
 // Each the one way to write an action in code.
-TextAction SetCheckAction(int control, bool on);  // clicks the check box unless it is so already
+// Clicks the check box unless it is so already.
+TextAction SetCheckAction(int control, bool on, bool insist = false);
 TextAction TypeTextAction(int control, std::string_view utf8);
 TextAction SelectAction(int list, long index);
 TextAction PressAction(int button);

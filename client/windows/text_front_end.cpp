@@ -108,9 +108,19 @@ bool TextFrontEnd::Perform(Dialog& dialog, const TextAction& action, std::string
     std::ostream& out = options_.out == nullptr ? Nowhere() : *options_.out;
     switch (action.kind) {
     case ActionKind::SetCheck: {
-        const Control* box = std::as_const(dialog).Find(action.control);
-        const bool isSo = box != nullptr && box->kind == ControlKind::Check && (box->checked == 1) == action.on;
-        return isSo || dialog.Toggle(action.control, error);
+        const auto isAsAsked = [&] {
+            const Control* const box = std::as_const(dialog).Find(action.control);
+            return box != nullptr && box->kind == ControlKind::Check && (box->checked == 1) == action.on;
+        };
+        if (isAsAsked())
+            return true;
+        if (!dialog.Toggle(action.control, error))
+            return false;
+        // The dialog may take it back, when the user declines what it asks.
+        if (!action.insist || isAsAsked())
+            return true;
+        *error = "control " + std::to_string(action.control) + " was not changed: the question was declined";
+        return false;
     }
     case ActionKind::TypeText:
         return dialog.Type(action.control, action.text, error);

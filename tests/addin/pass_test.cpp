@@ -58,15 +58,19 @@ TEST_F(Pass, NothingModifiedMovesTheStoredTimeWithoutARecoveryRecord)
 {
     mail_.AddMany(1, "note");
     IndexFile(0, false);
-    TIMEDATE after;
-    ASSERT_TRUE(GetDbTimestamp(0, &after));
+    TIMEDATE before;
+    ASSERT_TRUE(GetDbTimestamp(0, &before));
+    pavex::Note form;  // a design change moves the database's stamp, and is no document
+    form.noteClass = pavex::kClassForm;
+    form.items = {pavex::TextItem("$Title", "Recipe")};
+    ASSERT_EQ(mail_.Db().Put(&form), 0);
     TIMEDATE until;
     IndexFile(0, false);
     unsigned note = 0;
     EXPECT_FALSE(GetDbRecovery(0, &until, &note));
     TIMEDATE stored;
     ASSERT_TRUE(GetDbTimestamp(0, &stored));
-    EXPECT_EQ(TimeDateCollate(&stored, &after), 0);
+    EXPECT_GT(TimeDateCollate(&stored, &before), 0);
     EXPECT_EQ(GlobalContext.upToDate, 1);
 }
 
@@ -184,6 +188,71 @@ TEST_F(Pass, ASlotGivenToAnotherDatabaseMeanwhileKeepsThatOnesProgress)
     IndexFile(0, false);
     TIMEDATE since;
     EXPECT_FALSE(GetDbTimestamp(0, &since));
+}
+
+TEST_F(Pass, ASlotGivenAwayBeforeNothingWasFoundModifiedKeepsTheOtherDatabasesProgress)
+{
+    SetVariable("GoogleDebug", "1");
+    mail_.AddMany(1, "note");
+    IndexFile(0, false);
+    Mailbox other(PathOf("other.vlt"), "Other");
+    pavex::SetLogObserver([&other](const pavex::LogEntry& entry) {
+        if (entry.id == kLogOpened) {
+            SetDbPath(0, nullptr);
+            SetDbTimestamp(0, nullptr, nullptr, 0, 0, 0);
+            SetDbPath(0, other.Path().c_str());
+        }
+        return true;
+    });
+    IndexFile(0, false);
+    TIMEDATE since;
+    EXPECT_FALSE(GetDbTimestamp(0, &since));
+}
+
+TEST_F(Pass, AResetThatTheClientsEndFollowsIsNotLost)
+{
+    SetVariable("GoogleDebugLots", "1");
+    mail_.AddMany(3, "note");
+    IndexFile(0, false);
+    mail_.AddMany(10, "more");
+    pavex::SetLogObserver([](const pavex::LogEntry& entry) {
+        if (entry.id == kLogNoteUrl && GlobalContext.processed == 4) {
+            StopAndReset();
+            bShutDownThread = 1;
+        }
+        return true;
+    });
+    IndexFile(0, false);
+    EXPECT_EQ(Variable("GDSTimestamp"), "");
+}
+
+TEST_F(Pass, WhatAnotherProcessChangedInTheIniFileIsTakenOver)
+{
+    mail_.AddMany(3, "note");
+    IndexFile(0, false);
+    SetVariable("GDSTimestamp", "");  // another process asked for everything to be indexed again
+    mail_.AddMany(1, "new");
+    IndexFile(0, false);
+    EXPECT_EQ(Variable("GDSTimestamp"), "");
+    GlobalContext.indexed = 0;
+    IndexFile(0, false);
+    EXPECT_EQ(GlobalContext.indexed, 4U);
+}
+
+TEST_F(Pass, AnEnumerationThatFailedKeepsTheOldTime)
+{
+    mail_.AddMany(3, "note");
+    IndexFile(0, false);
+    const std::string before = Variable("GDSTimestamp");
+    mail_.AddMany(1, "new");
+    {
+        const NamedFault fault("IDEnumerate", 1234);
+        IndexFile(0, false);
+    }
+    EXPECT_EQ(Variable("GDSTimestamp"), before);
+    EXPECT_EQ(GlobalContext.upToDate, 0);
+    IndexFile(0, false);
+    EXPECT_EQ(Subjects().size(), 4U);
 }
 
 TEST_F(Pass, ASlotThatLosesItsPathEndsThePass)
