@@ -4,6 +4,8 @@
 #include <cassert>
 #include <utility>
 
+#include "platform/foundation.h"
+
 // Owner of a handle from an Open, Create or Copy call.  Null is zero; Close runs exactly once.
 template <typename Handle, auto Close> class Owner {
 public:
@@ -31,3 +33,10 @@ public:
 private:
     Handle handle_;
 };
+
+// Of what a CoreFoundation Copy or Create call returns.
+template <typename Ref> void ReleaseCF(Ref ref)
+{
+    CFRelease(ref);
+}
+template <typename Ref> using CFOwner = Owner<Ref, ReleaseCF<Ref>>;

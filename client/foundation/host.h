@@ -15,6 +15,8 @@ void SetCachesFolder(const std::string& path);
 
 // The folder that stands for the kernel's power-supply class; empty: /sys/class/power_supply.
 void SetPowerSupplyRoot(const std::string& path);
+// True when the first power source that is present is being drained; false when that cannot be told.
+bool RunsOnBattery();
 
 // The user's languages, best first, as locale names ("de_AT.UTF-8") or language tags ("zh-Hans").
 // Empty: those of the environment, read now: the LANGUAGE list, then LC_ALL, LC_MESSAGES or LANG.

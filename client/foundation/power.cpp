@@ -175,6 +175,16 @@ void pavex::SetPowerSupplyRoot(const std::string& path)
     powerSupplyRoot = path;
 }
 
+bool pavex::RunsOnBattery()
+{
+    const std::optional<Supplies> supplies = ReadSupplies(Root());
+    if (!supplies || supplies->mainsOnline)
+        return false;
+    const auto present = std::find_if(supplies->sources.begin(), supplies->sources.end(),
+                                      [](const Source& source) { return source.present; });
+    return present != supplies->sources.end() && present->discharging;
+}
+
 extern "C" {
 
 CFTypeRef IOPSCopyPowerSourcesInfo(void)

@@ -11,6 +11,7 @@
 #include "client/store/id_table.h"
 #include "client/store/item_codec.h"
 #include "client/store/open_note.h"
+#include "client/store/path.h"
 #include "client/store/sqlite_engine.h"
 #include "client/store/timedate.h"
 
@@ -81,6 +82,8 @@ Database::~Database()
 STATUS Database::Open(const std::string& path, std::unique_ptr<Database>* database)
 {
     database->reset();
+    if (IsOnServer(path))
+        return kStatusRemoteUnreachable;  // to the system it is a file of this machine
     std::unique_ptr<Engine> engine;
     STATUS status = SqliteEngine::Open(path, &engine);
     DatabaseInfo info;
@@ -98,6 +101,8 @@ STATUS Database::Open(const std::string& path, std::unique_ptr<Database>* databa
 STATUS Database::Create(const std::string& path, std::string_view titleUtf8, std::unique_ptr<Database>* database)
 {
     database->reset();
+    if (IsOnServer(path))
+        return kStatusRemoteUnreachable;
     DatabaseInfo info;
     info.replica = RandomId();
     info.title = titleUtf8;
@@ -354,6 +359,11 @@ STATUS Database::PutSource(const SourceEntry& entry)
 STATUS Database::DeleteSource(std::string_view key)
 {
     return engine_->DeleteSource(key);
+}
+
+STATUS Database::SourcesOf(std::string_view identity, std::vector<SourceEntry>* entries)
+{
+    return engine_->SourcesOf(identity, entries);
 }
 
 STATUS Database::ListSources(std::string_view source, const std::function<bool(const SourceEntry&)>& callback)

@@ -81,6 +81,8 @@ public:
     STATUS FindSource(std::string_view key, std::optional<SourceEntry>* entry);
     STATUS PutSource(const SourceEntry& entry);
     STATUS DeleteSource(std::string_view key);
+    // Those whose key is the identity, or the identity and "#" before anything else.
+    STATUS SourcesOf(std::string_view identity, std::vector<SourceEntry>* entries);
     STATUS ListSources(std::string_view source, const std::function<bool(const SourceEntry&)>& callback);
 
     // What the C calls are made of.

@@ -8,6 +8,8 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "client/store/leftovers.h"
+
 namespace pavex {
 
 bool WriteAll(int descriptor, std::string_view bytes)
@@ -58,7 +60,7 @@ void SyncFolderOf(const std::string& path)
 bool ReplaceFile(const std::string& path, std::string_view bytes)
 {
     const std::string target = WhereLinksLead(path);
-    std::string aside = target + ".XXXXXX";
+    std::string aside = target + "." + MakerMark() + "XXXXXX";
     Descriptor file(mkostemp(aside.data(), O_CLOEXEC));  // mode 0600
     if (!file.IsOpen())
         return false;
@@ -69,6 +71,7 @@ bool ReplaceFile(const std::string& path, std::string_view bytes)
         return false;
     }
     SyncFolderOf(target);
+    SweepLeftoversOf(target);
     return true;
 }
 

@@ -26,6 +26,8 @@ public:
     }
     int Get() const { return number_; }
     bool IsOpen() const { return number_ >= 0; }
+    // The descriptor, which is the caller's to close from now on.
+    int Release() { return std::exchange(number_, -1); }
     // Zero, or the error that the system had kept for the end.  Nothing is done when none is open.
     int Close()
     {
@@ -42,7 +44,8 @@ bool WriteAll(int descriptor, std::string_view bytes);
 // Reads to the end; false, with errno, when that fails.
 bool ReadAll(int descriptor, std::string* bytes);
 // Replaces the file whole: written aside with mode 0600, synced, renamed.  A symbolic link stays, and what
-// it leads to is replaced.  False, with errno and nothing changed or left over, when that fails.
+// it leads to is replaced.  False, with errno and nothing changed or left over, when that fails.  What writers
+// that were killed have left beside it goes with the next success.
 bool ReplaceFile(const std::string& path, std::string_view bytes);
 
 }  // namespace pavex

@@ -83,6 +83,8 @@ public:
     virtual STATUS FindSource(std::string_view key, std::optional<SourceEntry>* entry) = 0;
     virtual STATUS PutSource(const SourceEntry& entry) = 0;
     virtual STATUS DeleteSource(std::string_view key) = 0;
+    // Those whose key is the identity, or the identity and "#" before anything else.
+    virtual STATUS SourcesOf(std::string_view identity, std::vector<SourceEntry>* entries) = 0;
     // By ascending key.
     virtual STATUS ListSources(std::string_view source, const std::function<bool(const SourceEntry&)>& callback) = 0;
 };

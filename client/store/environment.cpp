@@ -6,6 +6,7 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -13,8 +14,10 @@
 #include <functional>
 #include <mutex>
 #include <string>
+#include <utility>
 
 #include "client/store/charset.h"
+#include "client/store/clock.h"
 #include "client/store/descriptor.h"
 #include "client/store/host.h"
 #include "client/store/ini_file.h"
@@ -68,9 +71,11 @@ struct Cache {
     VariableMap variables;
 };
 
-std::mutex environmentMutex;  // guards the two below; both are written in this file only
+std::mutex environmentMutex;  // guards the three below; all are written in this file only
 Cache cache;
 VariableMap overrides;
+std::string failedWrite;                 // the first since TakeFailedWrite
+std::atomic<int> lockTimeoutMs{10'000};  // written by SetSettingsLockTimeout
 
 // False when there is a file and it cannot be read; a file that is not there is an empty one.
 bool ReadFile(const std::string& path, std::string* bytes)
@@ -96,44 +101,71 @@ const VariableMap& CurrentVariables()
     return cache.variables;
 }
 
-// Held by whichever process changes the file.  A file of its own: the ini file itself is replaced.
-Descriptor LockForWriting(const std::string& path)
+// Held by whichever process changes the file.  A file of its own: the ini file itself is replaced.  Closed,
+// with *problem, when it cannot be had.  Waits by the machine's clock: another one may make waits pass quickly.
+// A client that is to end does not wait for others to let go.
+Descriptor LockForWriting(const std::string& path, std::string* problem)
 {
+    constexpr uint32_t kRetryMs = 10;
+    constexpr uint64_t kLastChanceMs = 300;
+    const uint64_t start = SystemClock().TimerMilliseconds();
     Descriptor lock(open((path + ".lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
-    while (lock.IsOpen() && flock(lock.Get(), LOCK_EX) != 0) {
-        if (errno != EINTR)
+    while (!lock.IsOpen() || flock(lock.Get(), LOCK_EX | LOCK_NB) != 0) {
+        const bool held = lock.IsOpen() && (errno == EWOULDBLOCK || errno == EINTR);
+        const uint64_t waited = SystemClock().TimerMilliseconds() - start;
+        const bool ending = waited >= kLastChanceMs && AddInShouldTerminate() != 0;
+        if (!held || ending || waited >= static_cast<uint64_t>(lockTimeoutMs)) {
+            *problem = held ? "another program keeps it locked" : std::strerror(errno);
             return Descriptor();
+        }
+        SystemClock().Delay(kRetryMs);
     }
     return lock;
 }
 
-bool ChangeFile(const std::string& path, const std::function<bool(IniText*)>& change)
+// To replace a file takes no permission of its own: who made it read-only wants it left alone.
+bool IsReadOnly(const std::string& path)
 {
-    const Descriptor lock = LockForWriting(path);
+    struct stat status {};
+    return stat(path.c_str(), &status) == 0 && (status.st_mode & (S_IWUSR | S_IWGRP | S_IWOTH)) == 0;
+}
+
+// Why it could not be done; empty when it was.
+std::string ChangeFile(const std::string& path, const std::function<bool(IniText*)>& change)
+{
     std::string bytes;
-    if (!lock.IsOpen() || !ReadFile(path, &bytes))
-        return false;
+    if (!ReadFile(path, &bytes))
+        return std::strerror(errno);
     IniText ini(bytes);
-    if (!change(&ini)) {
-        errno = EINVAL;
-        return false;
-    }
+    if (!change(&ini))
+        return "no line of it can hold that name";
     const std::string text = ini.Text();
-    return text == bytes || ReplaceFile(path, text);
+    if (text == bytes)
+        return {};
+    if (IsReadOnly(path))
+        return "it is read-only";
+    return ReplaceFile(path, text) ? "" : std::strerror(errno);
 }
 
 bool Change(const std::function<bool(IniText*)>& change)
 {
     const std::string path = CurrentPlaces().ini;
-    bool done;
+    std::string problem;
+    // Before the mutex: whoever only reads does not wait for other processes.
+    const Descriptor fileLock = LockForWriting(path, &problem);
     {
         const std::lock_guard lock(environmentMutex);
-        done = ChangeFile(path, change);
+        if (fileLock.IsOpen())
+            problem = ChangeFile(path, change);
         cache.settled = false;
+        if (problem.empty())
+            return true;
+        problem = "the settings file " + path + " could not be written: " + problem;
+        if (failedWrite.empty())
+            failedWrite = problem;
     }
-    if (!done)
-        Log("the settings file " + path + " could not be written: " + std::strerror(errno));
-    return done;
+    Log(problem);
+    return false;
 }
 
 }  // namespace
@@ -165,6 +197,17 @@ bool RemoveVariable(const std::string& name)
         ini->Remove(kSection, name);
         return true;
     });
+}
+
+std::string TakeFailedWrite()
+{
+    const std::lock_guard lock(environmentMutex);
+    return std::exchange(failedWrite, {});
+}
+
+void SetSettingsLockTimeout(int milliseconds)
+{
+    lockTimeoutMs = milliseconds;
 }
 
 void OverrideVariable(const std::string& name, const std::string& value)
@@ -202,7 +245,7 @@ bool OSGetEnvironmentString(const char* name, char* value, WORD size)
     return exists;
 }
 
-// A setting that cannot be written is in the log; the program goes on with what it has.
+// A setting that cannot be written is in the log, and TakeFailedWrite tells; the program goes on with what it has.
 void OSSetEnvironmentInt(const char* name, int value)
 {
     (void)SetVariable(Utf8FromScs(name), std::to_string(value));

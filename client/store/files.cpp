@@ -1,21 +1,18 @@
 // client/store/files.cpp: temporary files and the removal of files.
 #include <fcntl.h>
-#include <signal.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <charconv>
 #include <cstdlib>
 #include <cstring>
-#include <filesystem>
 #include <string>
-#include <string_view>
 
 #include "client/store/charset.h"
 #include "client/store/descriptor.h"
 #include "client/store/handle_table.h"
 #include "client/store/host.h"
+#include "client/store/leftovers.h"
 #include "client/store/status.h"
 #include "platform/store.h"
 
@@ -28,8 +25,6 @@ HandleTable<Descriptor>& Files()
     static HandleTable<Descriptor> files;
     return files;
 }
-
-constexpr const char* kNameStart = "pavex-";
 
 bool IsUsableFolder(const char* folder)
 {
@@ -50,23 +45,12 @@ std::string TemporaryFolder()
     return "/tmp";
 }
 
-// The process that made a file with this name; 0 for any other name.
-pid_t MakerOf(std::string_view name)
-{
-    if (!name.starts_with(kNameStart))
-        return 0;
-    pid_t maker = 0;
-    name.remove_prefix(std::strlen(kNameStart));
-    std::from_chars(name.data(), name.data() + name.size(), maker);
-    return maker;
-}
-
 }  // namespace
 
 STATUS OSCreateTempFile(char* name, WORD size, DWORD* file)
 {
     *file = 0;
-    std::string native = TemporaryFolder() + "/" + kNameStart + std::to_string(getpid()) + "-XXXXXX";
+    std::string native = TemporaryFolder() + "/" + MakerMark() + "XXXXXX";
     auto open = std::make_unique<Descriptor>(mkostemp(native.data(), O_CLOEXEC));  // mode 0600
     if (!open->IsOpen())
         return StatusOfErrno(errno);
@@ -98,16 +82,7 @@ namespace pavex {
 
 void SweepTemporaryFiles()
 {
-    namespace fs = std::filesystem;
-    std::error_code none;  // what cannot be looked at or removed is not ours
-    for (const fs::directory_entry& entry : fs::directory_iterator(TemporaryFolder(), none)) {
-        struct stat about {};
-        const pid_t maker = MakerOf(entry.path().filename().string());
-        const bool makerIsGone = maker > 0 && kill(maker, 0) != 0 && errno == ESRCH;
-        if (makerIsGone && lstat(entry.path().c_str(), &about) == 0 && S_ISREG(about.st_mode) &&
-            about.st_uid == getuid())
-            fs::remove(entry.path(), none);
-    }
+    SweepLeftovers(TemporaryFolder(), "");
 }
 
 }  // namespace pavex

@@ -32,6 +32,8 @@ Places places;
 std::thread::id mainThread;
 std::unique_ptr<__CFBundle, ReleaseBundle> addInBundle;
 
+constexpr size_t kPathBytes = 256;  // of the buffer that the add-in has for the data directory
+
 std::atomic<bool> terminating{false};  // written by RequestTermination
 
 std::string Environment(const char* name)
@@ -114,10 +116,12 @@ bool MakeFolder(const std::string& path)
     return false;
 }
 
+// More than one slash at the beginning would name a server.
 std::string Absolute(const std::string& path)
 {
     if (path.starts_with('/'))
-        return path;
+        return path.substr(path.find_first_not_of('/') == path.npos ? path.size() - 1
+                                                                    : path.find_first_not_of('/') - 1);
     std::unique_ptr<char, decltype(&std::free)> current(getcwd(nullptr, 0), &std::free);
     return current == nullptr ? path : std::string(current.get()) + "/" + path;
 }
@@ -140,6 +144,11 @@ Places FindPlaces(const std::string& homeOption)
 
 bool StartHost(const Places& newPlaces, std::string* error)
 {
+    if (const size_t bytes = ScsFromUtf8(newPlaces.data).size(); bytes >= kPathBytes) {
+        *error = "cannot use the data directory " + newPlaces.data + ": its path has " + std::to_string(bytes) +
+                 " bytes, more than " + std::to_string(kPathBytes - 1);
+        return false;
+    }
     const std::string folders[] = {FolderOf(newPlaces.ini), newPlaces.data, newPlaces.caches, FolderOf(newPlaces.log)};
     for (const std::string& folder : folders) {
         if (!folder.empty() && !MakeFolder(folder)) {
@@ -209,7 +218,6 @@ bool AddInShouldTerminate(void)
 
 WORD OSGetDataDirectory(char* path)
 {
-    constexpr size_t kPathBytes = 256;
     const std::string scs = ScsFromUtf8(CurrentPlaces().data);
     const size_t length = ScsPrefix(scs, kPathBytes - 1);
     std::memcpy(path, scs.data(), length);

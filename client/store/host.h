@@ -21,7 +21,8 @@ struct Places {
 // homeOption: --home, else $PAVEX_HOME, else the XDG folders.
 Places FindPlaces(const std::string& homeOption);
 // Puts the places to use (folders are made, mode 0700) and makes the calling thread the main one.
-// False, with *error saying what, which file and why, when a folder cannot be made.
+// False, with *error saying what, which file and why, when a folder cannot be made or the add-in cannot be
+// told where the data directory is: its buffer takes 255 bytes.
 bool StartHost(const Places& places, std::string* error);
 const Places& CurrentPlaces();
 // Removes the user's temporary files of processes that were killed.
@@ -51,6 +52,10 @@ void ClearOverrides();
 bool GetVariable(const std::string& name, std::string* value);
 bool SetVariable(const std::string& name, const std::string& value);  // false: the file could not be written
 bool RemoveVariable(const std::string& name);
+// What the first write that failed failed of, in one line; empty when none did.  Told once.
+std::string TakeFailedWrite();
+// How long a write waits for another process's, 10 seconds unless set; for tests.
+void SetSettingsLockTimeout(int milliseconds);
 
 // Every log entry on its way to the file.  False from the observer keeps it out of the file.
 struct LogEntry {

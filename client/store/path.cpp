@@ -9,7 +9,14 @@
 #include "client/store/charset.h"
 #include "client/store/host.h"
 
+bool pavex::IsOnServer(std::string_view path)
+{
+    return path.starts_with("//") && !path.starts_with("///");
+}
+
 namespace {
+
+using pavex::IsOnServer;
 
 constexpr size_t kPathBytes = 256;  // of each buffer in the path calls, its terminator included
 
@@ -18,12 +25,11 @@ struct PathParts {
     std::string_view file;
 };
 
-// Two slashes before a name start a server part; three or more are a clumsy root.
 bool SplitPath(std::string_view path, PathParts* parts)
 {
     if (path.size() >= kPathBytes)
         return false;
-    if (!path.starts_with("//") || path.starts_with("///")) {
+    if (!IsOnServer(path)) {
         *parts = {{}, path};
         return true;
     }
@@ -105,7 +111,7 @@ STATUS ResolvePath(const char* scsPath, std::string* native)
     const std::string_view path = scsPath == nullptr ? std::string_view() : scsPath;
     if (path.empty())
         return kStatusNoSuchFile;
-    if (path.starts_with("//") && !path.starts_with("///")) {
+    if (IsOnServer(path)) {
         PathParts parts;
         return SplitPath(path, &parts) ? kStatusRemoteUnreachable : kStatusBadText;
     }

@@ -45,6 +45,15 @@ void RichTextBuilder::AddParagraph(std::string_view utf8)
     AppendTextRecords(&records_, kStyleDefault, kDefaultFont, ScsFromUtf8(utf8));
 }
 
+void RichTextBuilder::AddLines(std::string_view utf8)
+{
+    while (!utf8.empty()) {
+        const size_t end = std::min(utf8.find('\n'), utf8.size());
+        AddParagraph(utf8.substr(0, end));
+        utf8.remove_prefix(std::min(end + 1, utf8.size()));
+    }
+}
+
 void RichTextBuilder::AddRule()
 {
     AppendBareRecord(&records_, kRecordRule);

@@ -25,6 +25,8 @@ constexpr uint16_t kRecordLink = 0xFFF6;  // -10: a LINKRECORD, its variable par
 class RichTextBuilder {
 public:
     void AddParagraph(std::string_view utf8);
+    // A paragraph for each line; the last may end with a line feed or not.
+    void AddLines(std::string_view utf8);
     void AddRule();
     void AddLink(const NOTELINK& link, std::string_view labelUtf8);
     const std::string& Records() const { return records_; }

@@ -75,6 +75,8 @@ CREATE INDEX source_keys ON source(source, key);
     ROW(kFindSource, "SELECT key, source, digest, note FROM source WHERE key = ?1")                                    \
     ROW(kPutSource, "REPLACE INTO source(key, source, digest, note) VALUES(?1, ?2, ?3, ?4)")                           \
     ROW(kDeleteSource, "DELETE FROM source WHERE key = ?1")                                                            \
+    ROW(kSourcesOf, "SELECT key, source, digest, note FROM source WHERE key = ?1 OR (key > ?1 || '#' AND "             \
+                    "key < ?1 || '$') ORDER BY key")                                                                   \
     ROW(kListSources, "SELECT key, source, digest, note FROM source WHERE source = ?1 AND key > ?2 "                   \
                       "ORDER BY key LIMIT ?3")
 

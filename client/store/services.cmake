@@ -13,6 +13,7 @@ target_sources(pavex_objects PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/formula.cpp
   ${CMAKE_CURRENT_LIST_DIR}/host.cpp
   ${CMAKE_CURRENT_LIST_DIR}/ini_file.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/leftovers.cpp
   ${CMAKE_CURRENT_LIST_DIR}/line_writer.cpp
   ${CMAKE_CURRENT_LIST_DIR}/log.cpp
   ${CMAKE_CURRENT_LIST_DIR}/log_format.cpp

@@ -403,6 +403,16 @@ STATUS SqliteEngine::DeleteSource(std::string_view key)
     return connection_->Use(Sql::kDeleteSource).Bind(1, key).Run();
 }
 
+STATUS SqliteEngine::SourcesOf(std::string_view identity, std::vector<SourceEntry>* entries)
+{
+    Query query = connection_->Use(Sql::kSourcesOf);
+    entries->clear();
+    query.Bind(1, identity);
+    while (query.Row())
+        entries->push_back(TakeSource(query));
+    return query.Status();
+}
+
 STATUS SqliteEngine::ListSources(std::string_view source, const std::function<bool(const SourceEntry&)>& callback)
 {
     std::string after;

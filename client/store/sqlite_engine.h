@@ -39,6 +39,7 @@ public:
     STATUS FindSource(std::string_view key, std::optional<SourceEntry>* entry) override;
     STATUS PutSource(const SourceEntry& entry) override;
     STATUS DeleteSource(std::string_view key) override;
+    STATUS SourcesOf(std::string_view identity, std::vector<SourceEntry>* entries) override;
     STATUS ListSources(std::string_view source, const std::function<bool(const SourceEntry&)>& callback) override;
 
     Connection& connection() { return *connection_; }

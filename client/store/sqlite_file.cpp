@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <cstdio>
 
+#include "client/store/leftovers.h"
 #include "client/store/sqlite_engine.h"
 #include "client/store/status.h"
 
@@ -64,12 +65,14 @@ STATUS SqliteEngine::Create(const std::string& path, const DatabaseInfo& info)
     if (access(path.c_str(), F_OK) == 0)
         return kStatusNoAccess;
     static std::atomic<unsigned> count{0};
-    const std::string beside = path + "." + std::to_string(getpid()) + "-" + std::to_string(++count) + ".new";
+    const std::string beside = path + "." + MakerMark() + std::to_string(++count) + ".new";
     STATUS status = WriteFile(beside, info);
     if (status == 0)
         status = Flush(beside);
     if (status == 0)
         status = Publish(beside, path);
+    if (status == 0)
+        SweepLeftoversOf(path);
     for (const char* suffix : {"", "-wal", "-shm", "-journal"})
         (void)unlink((beside + suffix).c_str());  // most are not there
     return status;

@@ -82,6 +82,34 @@ TEST(Languages, SimplifiedAndTraditionalChineseAreKeptApart)
     }
 }
 
+TEST(Languages, EveryLocaleOfAShippedLanguageFindsItsFolderFirst)
+{
+    const Names shipped = {"de", "en", "es", "fr", "ja", "zh-Hans"};
+    const std::map<std::string, std::string> found = {{"de_DE.UTF-8", "de"},
+                                                      {"de_AT@euro", "de"},
+                                                      {"en_US.UTF-8", "en"},
+                                                      {"es_AR", "es"},
+                                                      {"es-419", "es"},
+                                                      {"fr_BE.ISO8859-1", "fr"},
+                                                      {"ja_JP.UTF-8", "ja"},
+                                                      {"ja_JP.eucJP", "ja"},
+                                                      {"zh_CN.GB18030", "zh-Hans"},
+                                                      {"zh_SG.UTF-8", "zh-Hans"},
+                                                      {"zh_Hans_CN", "zh-Hans"},
+                                                      {"zh", "zh-Hans"},
+                                                      {"zh_TW.UTF-8", ""},
+                                                      {"zh_HK", ""},
+                                                      {"pt_BR.UTF-8", ""},
+                                                      {"jam", ""}};
+    for (const auto& [locale, folder] : found) {
+        const Names names = LanguagesWith({{"LANG", "it_IT.UTF-8"}, {"LC_ALL", locale}});
+        ASSERT_EQ(names, Names{locale});
+        const Names folders = FoldersOfLanguage(names.front());
+        const auto first = std::find_first_of(folders.begin(), folders.end(), shipped.begin(), shipped.end());
+        EXPECT_EQ(first == folders.end() ? "" : *first, folder) << locale;
+    }
+}
+
 TEST(Languages, WhatIsNoLanguageHasNoFolder)
 {
     for (const char* name : {"", "C", "C.UTF-8", "POSIX", "1", "../../etc", "d/e", ".UTF-8", "@euro", "a"})

@@ -116,6 +116,22 @@ TEST_F(FoundationPower, AKernelWithoutTheClassHasNoSources)
     EXPECT_EQ(Sources(), List{});
 }
 
+TEST_F(FoundationPower, TheMachineRunsOnBatteryWhenItsFirstPresentSourceIsDrained)
+{
+    EXPECT_FALSE(pavex::RunsOnBattery());
+    AddSupply("BAT0", {{"type", "Battery"}, {"present", "0"}, {"status", "Discharging"}});
+    EXPECT_FALSE(pavex::RunsOnBattery());
+    AddSupply("BAT1", {{"type", "Battery"}, {"status", "Discharging"}});
+    EXPECT_TRUE(pavex::RunsOnBattery());
+    AddSupply("BAT1", {{"type", "Battery"}, {"status", "Charging"}});
+    EXPECT_FALSE(pavex::RunsOnBattery());
+    AddSupply("BAT1", {{"type", "Battery"}, {"status", "Discharging"}});
+    AddSupply("AC", {{"type", "Mains"}, {"online", "1"}});
+    EXPECT_FALSE(pavex::RunsOnBattery());
+    pavex::SetPowerSupplyRoot(folder_ / "absent");
+    EXPECT_FALSE(pavex::RunsOnBattery());
+}
+
 TEST_F(FoundationPower, ASnapshotDoesNotChangeAndLendsItsDescriptions)
 {
     AddSupply("BAT0", {{"type", "Battery"}, {"status", "Discharging"}});

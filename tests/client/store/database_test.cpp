@@ -181,6 +181,17 @@ TEST_F(DatabaseTest, KeepsItsTitleAndReplicaIdWithTheFile)
     EXPECT_FALSE(TestDatabase(NewPath()).database().ReplicaId() == replica);
 }
 
+TEST_F(DatabaseTest, IsNotToBeHadOnAServer)
+{
+    const std::string path = "/" + NewPath();  // the system would find it on this machine
+    std::unique_ptr<Database> database;
+    EXPECT_EQ(Database::Open(path, &database), kStatusRemoteUnreachable);
+    EXPECT_EQ(Database::Create(path, "Notes", &database), kStatusRemoteUnreachable);
+    EXPECT_EQ(Database::OpenOrCreate(path, "Notes", &database), kStatusRemoteUnreachable);
+    EXPECT_NE(access(path.c_str(), F_OK), 0);
+    EXPECT_EQ(Database::Create("/" + path, "Notes", &database), 0);
+}
+
 TEST_F(DatabaseTest, KeepsUnreadNotesByUser)
 {
     TestDatabase data(NewPath());
@@ -246,6 +257,20 @@ TEST_F(DatabaseTest, ListsTheEntriesOfOneSourceByKeyAndAllowsTheirDeletionMeanwh
     EXPECT_EQ(left, 0);
     ASSERT_EQ(database.ListSources("/even", [&](const SourceEntry&) { return ++left < 3; }), 0);
     EXPECT_EQ(left, 3);
+}
+
+TEST_F(DatabaseTest, FindsTheEntriesThatBeginWithAnIdentity)
+{
+    TestDatabase data(NewPath());
+    Database& database = data.database();
+    for (const char* key : {"a", "a#2", "a#1", "a!", "a$", "ab", "b#1"})
+        ASSERT_EQ(database.PutSource({key, "/mail", "", 1}), 0);
+    std::vector<SourceEntry> entries = {{"left over", "", "", 0}};
+    ASSERT_EQ(database.SourcesOf("a", &entries), 0);
+    std::vector<std::string> keys;
+    for (const SourceEntry& entry : entries)
+        keys.push_back(entry.key);
+    EXPECT_EQ(keys, (std::vector<std::string>{"a", "a#1", "a#2"}));
 }
 
 TEST_F(DatabaseTest, KeepsSealedItemsFromWhoDoesNotUnsealThem)

@@ -1,5 +1,7 @@
 // tests/client/store/environment_test.cpp: ini variables: values, failures, and several writers at once.
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/file.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -11,6 +13,7 @@
 #include <vector>
 
 #include "client/store/charset.h"
+#include "client/store/descriptor.h"
 #include "tests/client/store/host_fixture.h"
 
 using namespace pavex;
@@ -150,6 +153,43 @@ TEST_F(Environment, WritesNothingOverAFileItCannotRead)
     EXPECT_TRUE(std::filesystem::is_directory(Ini()));
     EXPECT_EQ(Text("v"), "none");
     EXPECT_FALSE(SetVariable("bad=name", "1"));
+}
+
+TEST_F(Environment, LeavesAReadOnlyFileAlone)
+{
+    ASSERT_TRUE(SetVariable("v", "1"));
+    chmod(Ini().c_str(), 0400);
+    const std::string before = ReadWholeFile(Ini());
+    EXPECT_TRUE(SetVariable("v", "1")) << "nothing to write";
+    EXPECT_FALSE(SetVariable("v", "2"));
+    EXPECT_EQ(ReadWholeFile(Ini()), before);
+}
+
+TEST_F(Environment, TellsTheFirstFailedWriteOnce)
+{
+    WriteWholeFile(Ini(), "[Pavex]\nv=1\n");
+    EXPECT_EQ(TakeFailedWrite(), "");
+    chmod(Ini().c_str(), 0400);
+    OSSetEnvironmentInt("v", 2);
+    EXPECT_FALSE(SetVariable("bad=name", "1"));
+    ASSERT_TRUE(SetVariable("v", "1"));
+    EXPECT_EQ(TakeFailedWrite(), "the settings file " + Ini() + " could not be written: it is read-only");
+    EXPECT_EQ(TakeFailedWrite(), "");
+}
+
+TEST_F(Environment, GivesUpAWriteThatAnotherProgramLocksOutTooLong)
+{
+    ASSERT_TRUE(SetVariable("v", "1"));
+    const Descriptor held(open((Ini() + ".lock").c_str(), O_RDWR | O_CLOEXEC));
+    ASSERT_EQ(flock(held.Get(), LOCK_EX), 0);
+    SetSettingsLockTimeout(20);
+    EXPECT_FALSE(SetVariable("v", "2"));
+    EXPECT_EQ(TakeFailedWrite(),
+              "the settings file " + Ini() + " could not be written: another program keeps it locked");
+    flock(held.Get(), LOCK_UN);
+    SetSettingsLockTimeout(10'000);
+    EXPECT_EQ(OSGetEnvironmentLong("v"), 1);
+    EXPECT_TRUE(SetVariable("v", "2"));
 }
 
 TEST_F(Environment, LosesNothingWhenSeveralProcessesWrite)

@@ -23,6 +23,7 @@ protected:
     ~HostFixture() override
     {
         pavex::ClearOverrides();
+        (void)pavex::TakeFailedWrite();  // what the test made fail
         pavex::SetLogObserver(nullptr);
         pavex::SetClock(nullptr);
         pavex::SetAddInBundle("");

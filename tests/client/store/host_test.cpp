@@ -84,6 +84,24 @@ TEST(StartHost, SaysWhichFolderCannotBeMade)
     EXPECT_FALSE(StartHost(FindPlaces(dir / "file"), &problem));
 }
 
+TEST(StartHost, RefusesADataDirectoryThatTheAddInHasNoRoomFor)
+{
+    TemporaryDirectory dir;
+    std::string home = dir / "h";
+    home.append(100, 'x').append("/");
+    home.append(250 - home.size(), 'y');  // and "/data"
+    std::string problem;
+    ASSERT_TRUE(StartHost(FindPlaces(home), &problem)) << problem;
+    char path[256] = "";
+    EXPECT_EQ(OSGetDataDirectory(path), 255);
+    EXPECT_EQ(path, home + "/data");
+
+    home += "z";
+    EXPECT_FALSE(StartHost(FindPlaces(home), &problem));
+    EXPECT_EQ(problem, "cannot use the data directory " + home + "/data: its path has 256 bytes, more than 255");
+    EXPECT_FALSE(std::filesystem::exists(home));
+}
+
 using Host = HostFixture;
 
 TEST_F(Host, TellsTheDataDirectoryWithinItsBuffer)

@@ -88,6 +88,15 @@ TEST(RichText, ReadsBackWhatWasBuilt)
     EXPECT_EQ(link.note.Note.Innards[1], 6u);
 }
 
+TEST(RichText, MakesAParagraphOfEachLine)
+{
+    RichTextBuilder builder;
+    builder.AddLines("one\n\ntwo\n");
+    builder.AddLines("");
+    builder.AddLines("three");
+    EXPECT_EQ(Pieces(builder.Records()), (std::vector<std::string>{"one", "", "two", "three"}));
+}
+
 TEST(RichText, StreamsParagraphsRulesAndLabels)
 {
     EXPECT_EQ(Streamed(Sample()), "First paragraph||gr\xC3\xBCn \xED\xA0\xBD\xED\xB8\x80||label|");

@@ -12,6 +12,7 @@ torvik_test(store_services_test THREADED
     ${CMAKE_CURRENT_LIST_DIR}/formula_test.cpp
     ${CMAKE_CURRENT_LIST_DIR}/host_test.cpp
     ${CMAKE_CURRENT_LIST_DIR}/ini_file_test.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/leftovers_test.cpp
     ${CMAKE_CURRENT_LIST_DIR}/line_writer_test.cpp
     ${CMAKE_CURRENT_LIST_DIR}/log_test.cpp
     ${CMAKE_CURRENT_LIST_DIR}/log_format_test.cpp
