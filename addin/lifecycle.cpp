@@ -38,6 +38,9 @@ std::atomic<uint8_t> bLogged[kDatabaseSlots] = {};
 std::atomic<uint8_t> bLoggedHistory{0};
 PLUGINCONTEXT GlobalContext = {};
 
+int numIniFiles = 0;       // written from dialog/ alone
+bool bSaveOnExit = false;  // written from dialog/ alone
+
 bool PavexDesktopIndex()
 {
     if (bThreadExists != 0)

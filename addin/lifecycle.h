@@ -37,6 +37,10 @@ extern std::atomic<uint8_t> bLogged[kDatabaseSlots];  // an open failure of the 
 extern std::atomic<uint8_t> bLoggedHistory;
 extern PLUGINCONTEXT GlobalContext;  // written by the indexing thread
 
+// The settings dialog's, written from dialog/ alone on the client's main thread; defined in addin/lifecycle.cpp.
+extern int numIniFiles;   // databases that the saved settings hold, as the dialog last loaded or saved them
+extern bool bSaveOnExit;  // OK and Apply save only while this is set
+
 // False when the administrator's policy locks the add-in off.  Asks the policy on the client's main
 // thread only; elsewhere the last answer counts.  Once locked, locked for the life of the process.
 bool ShouldStartPlugin();

@@ -141,6 +141,7 @@ STATUS PassSinceUntil(int slot, const char* path, DBHANDLE db, TIMEDATE* since, 
         return listed;
     }
 
+    MarkPassBegun(slot);
     INDEXCONTEXT context = {};
     context.database = db;
     context.resumeNote = resumeNote;

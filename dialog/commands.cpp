@@ -1,6 +1,7 @@
 // dialog/commands.cpp: what each control does when the user uses it.
 #include <algorithm>
 
+#include "addin/lifecycle.h"
 #include "addin/pass.h"
 #include "dialog/control_ids.h"
 #include "dialog/controls.h"

@@ -3,6 +3,7 @@
 // cleared before new databases get them.
 #include <algorithm>
 #include <array>
+#include <optional>
 
 #include "addin/lifecycle.h"
 #include "addin/pass.h"
@@ -31,7 +32,8 @@ bool ReadChoices(unsigned long window, DialogChoices* choices)
     }
     const long stored = std::min<long>(choices->listed, kDatabaseSlots);
     for (long index = 0; index < stored; ++index)
-        choices->databases.push_back(ListEntry(window, index).value_or(""));
+        if (const std::optional<std::string> path = ListEntry(window, index))
+            choices->databases.push_back(*path);
     for (const OptionRow* option : kReadOptions)
         choices->*option->chosen = IsChecked(window, option->control);
     choices->frequency = FrequencyShown(window);

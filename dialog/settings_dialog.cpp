@@ -12,9 +12,6 @@
 #include "settings/settings.h"
 #include "strings/string_ids.h"
 
-int numIniFiles = 0;       // written from dialog/ alone
-bool bSaveOnExit = false;  // written from dialog/ alone
-
 namespace {
 
 constexpr unsigned short kInstructionBytes = 1023;

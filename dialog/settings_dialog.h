@@ -3,11 +3,6 @@
 // a handle of no window is harmless.
 #pragma once
 
-// Databases that the saved settings hold, as the dialog last loaded or saved them.
-extern int numIniFiles;
-// OK and Apply save only while this is set.
-extern bool bSaveOnExit;
-
 // The dialog's procedure: handles 272 (initialize), 273 (command) and 275 (timer).  Returns 1 when a
 // command ended the dialog, else 0.
 int DlgProc(unsigned long window, unsigned int message, unsigned long wParam, long lParam);

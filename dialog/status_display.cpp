@@ -35,7 +35,9 @@ std::string Localized(int id)
 
 std::string ProgressText(int formatId, uint32_t processed, uint32_t total)
 {
-    return FormatProgress(Localized(formatId), processed, total);
+    CString format;  // whole: half a conversion would make it useless
+    format.LoadString(formatId);
+    return FormatProgress(format.toString(), processed, total);
 }
 
 // "indexed up to" and the slot's stored time; nothing when none is stored or it has no text.

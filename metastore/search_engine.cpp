@@ -8,9 +8,9 @@
 #include <string_view>
 
 #include "metastore/metafile_path.h"
+#include "platform/owner.h"
 #include "platform/posix.h"
 #include "platform/store.h"
-#include "strings/cf_owner.h"
 #include "strings/string_ids.h"
 
 namespace {

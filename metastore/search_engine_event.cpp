@@ -4,7 +4,7 @@
 #include <algorithm>
 
 #include "metastore/search_engine.h"
-#include "strings/cf_owner.h"
+#include "platform/owner.h"
 
 namespace {
 

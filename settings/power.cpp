@@ -3,7 +3,7 @@
 #include "settings/power.h"
 
 #include "platform/foundation.h"
-#include "strings/cf_owner.h"
+#include "platform/owner.h"
 
 namespace {
 

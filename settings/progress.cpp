@@ -288,6 +288,19 @@ void SetDbTimestamp(int slot, const TIMEDATE* since, const TIMEDATE* until, unsi
     Store(slot, since, until, {note, processed, total});
 }
 
+void MarkPassBegun(int slot)
+{
+    EnsureLoaded();
+    if (!IsSlot(slot))
+        return;
+    const std::lock_guard guard(recordsLock);
+    const std::string key = SlotKey(kRecordKey, slot);
+    if (!knownRecord[slot].empty() || !Variable(key).empty())
+        return;
+    OSSetEnvironmentVariable(key.c_str(), kClearTime);
+    knownRecord[slot] = Variable(key);
+}
+
 bool RecordPass(int slot, const char* path, const TIMEDATE* since, const TIMEDATE* until, unsigned int note,
                 unsigned int processed, unsigned int total)
 {
@@ -299,6 +312,7 @@ bool RecordPass(int slot, const char* path, const TIMEDATE* since, const TIMEDAT
         return false;
     if (!IniFileAgrees(slot)) {
         LoadSlotLocked(slot);
+        RereadSwitches();  // with other switches everything is to be indexed again
         return false;
     }
     Store(slot, since, until, {note, processed, total});

@@ -27,6 +27,9 @@ bool GetDbTimestamp(int slot, TIMEDATE* out);
 // with it when it was interrupted.  Null since: nothing is indexed.
 void SetDbTimestamp(int slot, const TIMEDATE* since, const TIMEDATE* until, unsigned int note, unsigned int processed,
                     unsigned int total);
+// Before a pass over a slot of which nothing is indexed: the record says so in its other form, so that a reset by
+// another process meanwhile, which leaves an empty record, can be told from none.
+void MarkPassBegun(int slot);
 // As SetDbTimestamp, for a pass over `path` that has ended.  Stores nothing, and returns false, when the
 // record is no longer this pass's to write: the slot was given to another database meanwhile, a reset is
 // pending, or another process changed the slot in the ini file, which is then taken over.

@@ -162,6 +162,12 @@ void getIniVariables()
     getIniMailInfo();
 }
 
+void RereadSwitches()
+{
+    for (const SwitchRow& row : kSwitches)
+        Write(*row.flag, static_cast<uint8_t>((OSGetEnvironmentLong(row.key) != 0) != row.inverted));
+}
+
 bool HasAdminLockFiles()
 {
     return IsOn(bAdminLock);

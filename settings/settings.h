@@ -10,6 +10,8 @@
 
 // Loads the variables and the databases' progress, unless that has been done or begun.
 void getIniVariables();
+// Takes the switches from the ini file once more: another process has changed it.
+void RereadSwitches();
 
 // ---- Administrator ---------------------------------------------------------------------------
 

@@ -7,7 +7,7 @@
 #include <climits>
 #include <vector>
 
-#include "strings/cf_owner.h"
+#include "platform/owner.h"
 #include "strings/string_resources.h"
 
 static_assert(sizeof(wchar_t) == 4, "a character is 32 bits wide");

@@ -6,8 +6,8 @@
 #include <cstdio>
 
 #include "platform/foundation.h"
+#include "platform/owner.h"
 #include "platform/store.h"
-#include "strings/cf_owner.h"
 #include "strings/cstring.h"
 
 namespace {

@@ -93,6 +93,7 @@ AddInTest::AddInTest() : clock_(kStart)
     if (!pavex::StartHost(places, &error))
         throw std::runtime_error(error);
     pavex::SetClock(&clock_);
+    pavex::SetUserLanguages({"en"});
     pavex::SetAddInBundle(TORVIK_SOURCE_DIR "/resources");
     pavex::SetLogObserver([this](const pavex::LogEntry& entry) {
         log_.push_back(entry);

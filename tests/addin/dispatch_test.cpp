@@ -2,6 +2,7 @@
 #include "addin/dispatch.h"
 
 #include "client/foundation/host.h"
+#include "client/store/richtext.h"
 #include "metastore/search_engine.h"
 #include "settings/settings.h"
 #include "tests/addin/addin_fixture.h"
@@ -104,6 +105,72 @@ TEST_F(Dispatch, WhenNoIndexerRunsTheContextKeepsWhatTheLastOneLeft)
     EXPECT_FALSE(Index(mail_.Add("a task", "Task")));
     EXPECT_EQ(context_.lastStatus, 549);
     EXPECT_EQ(context_.blankResult, 7U);
+}
+
+TEST_F(Dispatch, EachKindIsLeftOutByItsBitAndByNoOther)
+{
+    SetVariable("GDSIndexDiscussion", "1");
+    struct Row {
+        uint32_t bit;
+        const char* form;
+    };
+    const Row rows[] = {{kNoteKindDiscussion, "MainTopic"},
+                        {kNoteKindContact, "Person"},
+                        {kNoteKindJournal, "JournalEntry"},
+                        {kNoteKindGeneric, "Recipe"}};
+    for (const Row& off : rows) {
+        SetGoogleSupport(off.bit, false);
+        for (const Row& row : rows) {
+            const uint32_t id = mail_.AddPlain(row.form, row.form);
+            EXPECT_EQ(Index(id), row.bit != off.bit) << row.form << " without " << off.bit;
+            EXPECT_EQ(KindsWritten().size(), row.bit != off.bit ? 1U : 0U) << row.form << " without " << off.bit;
+            EXPECT_TRUE(DeleteNoteIDFromIndex(Db(), id, &context_));
+        }
+        SetGoogleSupport(off.bit, true);
+    }
+}
+
+TEST_F(Dispatch, WithDiscussionsOffAPostingThatIsNoMailIsIndexedAsItself)
+{
+    EXPECT_TRUE(Index(mail_.AddPlain("a posting", "MainTopic")));
+    EXPECT_EQ(KindsWritten(), Kinds{"vPavexNote"});
+}
+
+// What a history pass finds.
+class HistoryDispatch : public Dispatch {
+protected:
+    HistoryDispatch() { context_.history = true; }
+    uint32_t AddBookmark()
+    {
+        pavex::RichTextBuilder link;
+        link.AddLink({{{1, 2}}, {}, {{{3, 4}}, {{5, 6}}}, 0}, "a page");
+        pavex::Note note;
+        note.items = {pavex::TextItem("Form", "HistoryListEntry"), pavex::TextItem("Title", "A page"),
+                      pavex::RichTextItem("URL", link.Records())};
+        EXPECT_EQ(mail_.Db().Put(&note), 0);
+        return note.id;
+    }
+};
+
+TEST_F(HistoryDispatch, AHistoryPassIndexesAHistoryEntry)
+{
+    EXPECT_TRUE(Index(AddBookmark()));
+    EXPECT_EQ(KindsWritten(), Kinds{"vPavexHistory"});
+    EXPECT_EQ(context_.lastStatus, 0);
+}
+
+TEST_F(HistoryDispatch, HistoryEntriesGoByTheBitOfOtherNotes)
+{
+    SetGoogleSupport(kNoteKindGeneric, false);
+    EXPECT_FALSE(Index(AddBookmark()));
+    EXPECT_TRUE(KindsWritten().empty());
+}
+
+TEST_F(HistoryDispatch, AHistoryEntryIsIndexedThoughOtherNotesAreLeftOut)
+{
+    SetVariable("GoogleNoIndexAll", "1");
+    EXPECT_TRUE(Index(AddBookmark()));
+    EXPECT_EQ(KindsWritten(), Kinds{"vPavexHistory"});
 }
 
 TEST_F(Dispatch, AHistoryPassTakesHistoryEntriesOnly)

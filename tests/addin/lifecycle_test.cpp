@@ -50,6 +50,52 @@ TEST_F(Lifecycle, TheFirstHistoryPassWaitsAMinuteFromTheStart)
     EXPECT_EQ(dwHistoryCount, static_cast<uint32_t>(clock_.TimerMilliseconds()));
 }
 
+TEST_F(Lifecycle, AStartBeginsWithoutRequestsStatisticsOrLoggedFailures)
+{
+    bShutDownThread = bStopAndReset = bStartSoon = 1;
+    dwIdleDelay = 5;
+    for (std::atomic<uint32_t>* counter :
+         {&GlobalContext.indexed, &GlobalContext.skipped, &GlobalContext.errors, &GlobalContext.blankFailures,
+          &GlobalContext.deleted, &GlobalContext.passFlag, &GlobalContext.total, &GlobalContext.processed,
+          &GlobalContext.database})
+        *counter = 7;
+    GlobalContext.resumed = GlobalContext.upToDate = GlobalContext.historyActive = GlobalContext.inProgress = 1;
+    bLogged[0] = bLogged[14] = bLoggedHistory = 1;
+
+    const NamedFault noThread("OSCreateThread");
+    EXPECT_FALSE(PavexDesktopIndex());
+
+    EXPECT_EQ(bShutDownThread, 0);
+    EXPECT_EQ(bStopAndReset, 0);
+    EXPECT_EQ(bStartSoon, 0);
+    EXPECT_EQ(dwIdleDelay, 0U);
+    const std::string zeros(sizeof(PLUGINCONTEXT), '\0');
+    EXPECT_EQ(std::memcmp(&GlobalContext, zeros.data(), zeros.size()), 0);
+    EXPECT_EQ(bLogged[0], 0);
+    EXPECT_EQ(bLogged[14], 0);
+    EXPECT_EQ(bLoggedHistory, 0);
+}
+
+TEST_F(Lifecycle, TheThreadIsMadeOnceAProcess)
+{
+    EXPECT_TRUE(PavexDesktopIndex());
+    bStartSoon = 1;
+    EXPECT_TRUE(PavexDesktopIndex());
+    EXPECT_EQ(pavex::ThreadsMade(), 1);
+    PavexDesktopTerm();
+    pavex::JoinThreads();
+    EXPECT_TRUE(PavexDesktopIndex());
+    EXPECT_EQ(pavex::ThreadsMade(), 0);
+    EXPECT_EQ(bShutDownThread, 1);  // nothing begins anew
+}
+
+TEST_F(Lifecycle, TheRequestToEndIsNotLoggedOtherwise)
+{
+    EXPECT_TRUE(PavexDesktopTerm());
+    EXPECT_EQ(bShutDownThread, 1);
+    EXPECT_TRUE(log_.empty());
+}
+
 TEST_F(Lifecycle, StopAndResetForgetsAllProgressAndLetsFailuresBeLoggedAgain)
 {
     Configure(3, PathOf("mail.vlt"));

@@ -239,6 +239,43 @@ TEST_F(Pass, WhatAnotherProcessChangedInTheIniFileIsTakenOver)
     EXPECT_EQ(GlobalContext.indexed, 4U);
 }
 
+TEST_F(Pass, AResetByAnotherProcessDuringTheFirstPassIsNotOverwritten)
+{
+    mail_.AddMany(3, "note");
+    SetVariable("GoogleDebugLots", "1");
+    pavex::SetLogObserver([](const pavex::LogEntry& entry) {
+        if (entry.id == kLogNoteUrl)
+            pavex::SetVariable("GDSTimestamp", "");
+        return true;
+    });
+    IndexFile(0, false);
+    pavex::SetLogObserver(nullptr);
+    EXPECT_EQ(Variable("GDSTimestamp"), "");
+    GlobalContext.indexed = 0;
+    IndexFile(0, false);
+    EXPECT_EQ(GlobalContext.indexed, 3U);
+}
+
+TEST_F(Pass, AResetByAnotherProcessBringsItsSwitchesAlong)
+{
+    mail_.AddMany(1, "note");
+    IndexFile(0, false);
+    ASSERT_FALSE(IsIndexingDrafts());
+    ASSERT_TRUE(IsIndexingHistory());
+    SetVariable("GDSIndexDrafts", "1");
+    SetVariable("GDSNoIndexHistory", "1");
+    SetVariable("GDSTimestamp", "");
+    IndexFile(0, false);
+    EXPECT_TRUE(IsIndexingDrafts());
+    EXPECT_FALSE(IsIndexingHistory());
+    SetVariable("GDSIndexDrafts", "0");
+    SetVariable("GDSTimestamp", "");
+    IndexFile(0, false);
+    SetVariable("GDSTimestamp", "");
+    IndexFile(0, false);
+    EXPECT_FALSE(IsIndexingDrafts());
+}
+
 TEST_F(Pass, AnEnumerationThatFailedKeepsTheOldTime)
 {
     mail_.AddMany(3, "note");
@@ -266,7 +303,7 @@ TEST_F(Pass, ASlotThatLosesItsPathEndsThePass)
     });
     IndexFile(0, false);
     EXPECT_EQ(Subjects().size(), 4U);
-    EXPECT_EQ(Variable("GDSTimestamp"), "(absent)");
+    EXPECT_EQ(Variable("GDSTimestamp"), "0");  // begun, and nothing recorded of it
 }
 
 TEST_F(Pass, ADatabaseThatCannotBeOpenedIsLoggedOnceUntilTheLogIsReset)

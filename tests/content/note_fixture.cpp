@@ -7,8 +7,8 @@
 #include "client/store/charset.h"
 #include "client/store/host.h"
 #include "client/store/richtext.h"
+#include "platform/owner.h"
 #include "settings/settings.h"
-#include "strings/cf_owner.h"
 
 namespace fs = std::filesystem;
 

@@ -61,6 +61,55 @@ TEST_F(DialogCommands, SwitchingIndexingOnShowsTheNoticeCutToWhatABoxTakes)
     EXPECT_EQ(TextIn(run.shown.at(0), kTextInstructions), "<162>");
 }
 
+TEST_F(DialogCommands, SwitchingIndexingOnLeavesAFullListFullAndAnEmptyOneEmpty)
+{
+    SetIni("GoogleSkipLegal", "1");
+    for (const size_t count : {size_t{0}, size_t{15}}) {
+        SetIni("GDSIndexEnabled", "0");
+        SaveDatabases(count);
+        const json controls = Drive({pavex::SetCheckAction(kCheckEnabled, true), pavex::ShowJsonAction()}).shown.at(0);
+        EXPECT_EQ(IsEnabledIn(controls, kButtonAdd), count == 0) << count;
+        EXPECT_EQ(IsEnabledIn(controls, kButtonRemove), count != 0) << count;
+        EXPECT_TRUE(IsEnabledIn(controls, kCheckReindex)) << count;
+    }
+}
+
+TEST_F(DialogCommands, SwitchingIndexingShowsTheStatusAfresh)
+{
+    SetIni("GoogleSkipLegal", "1");
+    SaveDatabases(1);
+    Inspect([](pavex::Dialog& dialog) {
+        std::string error;
+        GlobalContext.inProgress = 1;
+        EXPECT_TRUE(dialog.Toggle(kCheckEnabled, &error)) << error;
+        EXPECT_EQ(dialog.Find(kTextSelectedStatus)->text, "<193><156>");
+        GlobalContext.inProgress = 0;
+        EXPECT_TRUE(dialog.Toggle(kCheckEnabled, &error)) << error;
+        EXPECT_EQ(dialog.Find(kTextSelectedStatus)->text, "<193><107>");
+    });
+}
+
+TEST_F(DialogCommands, EachOptionEnablesApplyWhileItDiffers)
+{
+    SaveDatabases(1);
+    for (const int box : {kCheckEncrypted, kCheckDrafts, kCheckHistory, kCheckDiscussion, kCheckIdle}) {
+        Inspect([&](pavex::Dialog& dialog) {
+            std::string error;
+            for (const bool differs : {true, false}) {
+                EXPECT_TRUE(dialog.Toggle(box, &error)) << error;
+                EXPECT_EQ(dialog.Find(kButtonApply)->enabled, differs) << box;
+            }
+        });
+    }
+    Inspect([](pavex::Dialog& dialog) {
+        std::string error;
+        for (const char* minutes : {"6", "5"}) {
+            EXPECT_TRUE(dialog.Type(kEditFrequency, minutes, &error)) << error;
+            EXPECT_EQ(dialog.Find(kButtonApply)->enabled, std::string(minutes) == "6");
+        }
+    });
+}
+
 TEST_F(DialogCommands, RefusingTheNoticeLeavesIndexingOff)
 {
     SetIni("GDSIndexEnabled", "0");
@@ -192,6 +241,29 @@ TEST_F(DialogCommands, SelectingADatabaseShowsItsStatus)
     GlobalContext.inProgress = 1;
     const json controls = Drive({pavex::SelectAction(kListDatabases, 1), pavex::ShowJsonAction()}).shown.at(0);
     EXPECT_EQ(TextIn(controls, kTextSelectedStatus), "<193><156>");
+}
+
+TEST_F(DialogCommands, SelectingADatabaseSettlesApply)
+{
+    SaveDatabases(2);
+    Inspect([](pavex::Dialog& dialog) {
+        std::string error;
+        CheckDlgButton(dialog.Window(), kCheckDrafts, 1);  // sends no command
+        EXPECT_FALSE(dialog.Find(kButtonApply)->enabled);
+        EXPECT_TRUE(dialog.Select(kListDatabases, 1, &error)) << error;
+        EXPECT_TRUE(dialog.Find(kButtonApply)->enabled);
+    });
+}
+
+TEST_F(DialogCommands, AddMakesOkSaveAlsoWhenNothingIsChosen)
+{
+    SaveDatabases(1);
+    Inspect([](pavex::Dialog& dialog) {
+        ShowControls(dialog.Window(), false);
+        ASSERT_FALSE(bSaveOnExit);
+        EXPECT_EQ(DlgProc(dialog.Window(), kMessageCommand, kButtonAdd, 0), 0);
+        EXPECT_TRUE(bSaveOnExit);
+    });
 }
 
 TEST_F(DialogCommands, TakeTheirIdFromEveryFormOfTheMessage)

@@ -113,6 +113,34 @@ TEST_F(SaveDialogTest, AppliesAReindexByResettingAndUnchecksTheBox)
     EXPECT_FALSE(IsEnabledIn(run.shown.at(0), kButtonApply));
 }
 
+TEST_F(SaveDialogTest, BringsTheNextCycleForwardOnlyWhileIndexingIsOn)
+{
+    SaveDatabases(1);
+    for (const bool enabled : {true, false}) {
+        Inspect([&](pavex::Dialog& dialog) {
+            CheckDlgButton(dialog.Window(), kCheckEnabled, enabled ? 1 : 0);
+            bStartSoon = 0;  // opening the dialog set it
+            std::string error;
+            EXPECT_TRUE(dialog.Press(kButtonOk, &error)) << error;
+            EXPECT_EQ(bStartSoon, enabled ? 1 : 0);
+            EXPECT_EQ(bStopAndReset, 0);
+        });
+    }
+}
+
+TEST_F(SaveDialogTest, BringsTheCycleForwardThatIndexesEverythingAgain)
+{
+    SaveDatabases(1);
+    Inspect([](pavex::Dialog& dialog) {
+        std::string error;
+        EXPECT_TRUE(dialog.Toggle(kCheckReindex, &error)) << error;
+        bStartSoon = 0;
+        EXPECT_TRUE(dialog.Press(kButtonOk, &error)) << error;
+        EXPECT_EQ(bStopAndReset, 1);
+        EXPECT_EQ(bStartSoon, 1);
+    });
+}
+
 TEST_F(SaveDialogTest, ResetsNothingWhileIndexingIsSwitchedOff)
 {
     SaveDatabases(1);
@@ -180,6 +208,17 @@ TEST_F(SaveDialogTest, AsksNothingWithoutDatabasesBeforeAndAfter)
     const DialogRun second = Drive({pavex::SetCheckAction(kCheckEncrypted, false),
                                     pavex::RemoveFileAction(kButtonRemove, kListDatabases, added), kOk});
     EXPECT_EQ(second.boxes.size(), 0U);  // none are left
+    EXPECT_EQ(bStopAndReset, 0);
+}
+
+TEST_F(SaveDialogTest, AsksNothingWhenIndexingIsSwitchedOffAsTheOptionsWiden)
+{
+    SaveDatabases(1);
+    const DialogRun run = Drive({pavex::SetCheckAction(kCheckEncrypted, true),
+                                 pavex::SetCheckAction(kCheckEnabled, false), pavex::PressAction(kButtonOk)});
+    EXPECT_EQ(run.boxes.size(), 0U);
+    EXPECT_EQ(Ini("GDSIndexEncrypted"), "1");
+    EXPECT_EQ(Ini("GDSIndexEnabled"), "0");
     EXPECT_EQ(bStopAndReset, 0);
 }
 

@@ -177,6 +177,35 @@ TEST_F(StatusDisplay, ShowsProgressWhileThePassFlagIsSet)
     EXPECT_EQ(Shown(), (Lines{"<193><156>", "<203>110:1/4/25", "<202>" + paths_[0]}));
 }
 
+TEST_F(StatusDisplay, TakesThePassFlagAloneForAPassOnTheSelectedDatabase)
+{
+    GlobalContext.passFlag = 1;
+    GlobalContext.processed = 1;
+    GlobalContext.total = 4;
+    EXPECT_EQ(Shown(), (Lines{"<193><156>", "<203>110:1/4/25", "<202>" + paths_[0]}));
+}
+
+TEST_F(StatusDisplay, ShowsEachLineAgainThatItHid)
+{
+    Inspect([this](pavex::Dialog& dialog) {
+        dialog.Find(kListDatabases)->selected = -1;
+        GlobalContext.historyActive = 1;
+        PutStatus(dialog.Window());
+        EXPECT_FALSE(dialog.Find(kTextSelectedStatus)->visible);
+        EXPECT_FALSE(dialog.Find(kTextOverallStatus)->visible);
+        dialog.Find(kListDatabases)->selected = 1;
+        GlobalContext.historyActive = 0;
+        PutStatus(dialog.Window());
+        EXPECT_FALSE(dialog.Find(kTextActivityStatus)->visible);
+        EXPECT_TRUE(dialog.Find(kTextSelectedStatus)->visible);
+        EXPECT_TRUE(dialog.Find(kTextOverallStatus)->visible);
+        GlobalContext.inProgress = 1;
+        PutStatus(dialog.Window());
+        EXPECT_TRUE(dialog.Find(kTextActivityStatus)->visible);
+        EXPECT_EQ(dialog.Find(kTextActivityStatus)->text, "<202>" + paths_[0]);
+    });
+}
+
 TEST_F(StatusDisplay, TestsOnlyTheLowByteOfThePassFlagForTheSelectedDatabase)
 {
     GlobalContext.passFlag = 0x100;

@@ -4,6 +4,7 @@
 
 #include <filesystem>
 
+#include "client/foundation/host.h"
 #include "settings/settings.h"
 
 namespace {
@@ -15,6 +16,7 @@ public:
         folder_ = std::make_unique<TemporaryDirectory>();
         std::string error;
         ASSERT_TRUE(pavex::StartHost(pavex::FindPlaces(folder_->Path().string()), &error)) << error;
+        pavex::SetUserLanguages({"en"});
         pavex::SetAddInBundle(TORVIK_SOURCE_DIR "/resources");  // log entries take their arguments by its texts
     }
     void TearDown() override { folder_.reset(); }

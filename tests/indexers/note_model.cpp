@@ -66,29 +66,44 @@ std::string Lines(const Note& note, const char* name)
     return Text(note, name, "\r\n");
 }
 
-std::string NameList(const Note& note, const char* name, bool abbreviated)
+std::string Lower(std::string text)
+{
+    for (char& c : text)
+        c = static_cast<char>(tolower(static_cast<unsigned char>(c)));
+    return text;
+}
+
+std::string NameList(const Note& note, const char* name, std::string (*written)(std::string))
 {
     const Item* item = note.Find(name);
     const auto values = item == nullptr ? std::nullopt : pavex::TextValues(*item);
     std::vector<std::string> names;
-    for (std::string value : values.value_or(std::vector<std::string>())) {
-        for (const std::string part : {"CN=", "O=", "OU="})
-            for (size_t at = value.find(part); abbreviated && at != std::string::npos; at = value.find(part))
-                value.erase(at, part.size());
-        if (!value.empty())
-            names.push_back(value);
-    }
+    for (const std::string& value : values.value_or(std::vector<std::string>()))
+        if (const std::string text = written(value); !text.empty())
+            names.push_back(text);
     return Joined(names, ", ");
 }
 
-std::string Names(const Note& note, const char* name)
+std::string Names(const Note& note, const char* item)
 {
-    return NameList(note, name, true);
+    return NameList(note, item, [](std::string name) {
+        for (const std::string part : {"CN=", "O=", "OU="})
+            for (size_t at = name.find(part); at != std::string::npos; at = name.find(part))
+                name.erase(at, part.size());
+        return name;
+    });
 }
 
-std::string Categories(const Note& note, const char* name)
+std::string Categories(const Note& note, const char* item)
 {
-    return NameList(note, name, false);
+    return NameList(note, item, [](std::string category) {
+        static const std::map<std::string, std::string> kNamesOfCodes = {
+            {"h", "Holiday"}, {"v", "Vacation"},     {"p", "Projects"},
+            {"c", "Clients"}, {"pc", "Phone Calls"}, {"t", "Travel"},
+        };
+        const auto code = kNamesOfCodes.find(Lower(category));
+        return code == kNamesOfCodes.end() ? category : code->second;
+    });
 }
 
 std::optional<int64_t> TimeOf(const Note& note, const char* name)
@@ -118,7 +133,7 @@ std::string PlainText(const Note& note, const char* name)
     return Text(note, name);
 }
 
-void AddRows(const Note& note, std::initializer_list<Row> rows, Properties* properties)
+void AddRows(const Note& note, const std::vector<Row>& rows, Properties* properties)
 {
     for (const Row& row : rows) {
         const bool first = row.otherwise == nullptr || !Text(note, row.item).empty();
@@ -132,13 +147,6 @@ void AddTime(const char* key, std::optional<int64_t> seconds, Properties* proper
 {
     if (seconds)
         properties->emplace(key, Iso(*seconds));
-}
-
-std::string Lower(std::string text)
-{
-    for (char& c : text)
-        c = static_cast<char>(tolower(static_cast<unsigned char>(c)));
-    return text;
 }
 
 std::string Content(const Note& note)
@@ -162,70 +170,91 @@ std::string Address(const Note& note, const std::array<const char*, 5>& items)
     return address;
 }
 
+const std::vector<Row> kContactRows = {
+    {"business_phone", PlainText, "OfficePhoneNumber"},
+    {"company_phone", PlainText, "OfficePhoneNumber"},
+    {"mobile_phone", PlainText, "CellPhoneNumber", "PersPager"},
+    {"pager", PlainText, "PhoneNumber_6", "PersPager"},
+    {"home_phone", PlainText, "PhoneNumber"},
+    {"business_fax", PlainText, "OfficeFAXPhoneNumber"},
+    {"home_fax", PlainText, "HomeFAXPhoneNumber"},
+    {"assistant", PlainText, "Assistant"},
+    {"business_home_page", PlainText, "WebSite"},
+    {"children_names", PlainText, "Children"},
+    {"company_name", PlainText, "CompanyName"},
+    {"country", PlainText, "OfficeCountry", "Country"},
+    {"department", PlainText, "Department"},
+    {"email1", PlainText, "MailAddress"},
+    {"spouse", PlainText, "Spouse"},
+    {"job_title", PlainText, "JobTitle"},
+    {"manager_name", PlainText, "Manager"},
+    {"office_location", PlainText, "Location"},
+};
+
+// What an extra field is by its label, of which a part will do; the first word counts.
+struct ExtraWord {
+    const char* word;
+    const char* property;
+};
+constexpr ExtraWord kExtraWords[] = {
+    {"email", "email"},       {"onlinename", "im_address"}, {"homeurl", "personal_home_page"},
+    {"nickname", "nickname"}, {"url", "web_page"},
+};
+
+std::string ExtraProperty(const std::string& label)
+{
+    for (const ExtraWord& row : kExtraWords)
+        if (!label.empty() && std::string_view(row.word).find(label) != std::string_view::npos)
+            return row.property;
+    return "";
+}
+
+// The extra fields.  A second address stands where its field does, if it can; the last ones where there is room.
+void AddExtraFields(const Note& note, Properties* properties)
+{
+    std::map<std::string, std::vector<std::string>> fields;
+    std::string slots[2];
+    const auto takeFree = [&slots](const std::string& text) {
+        for (std::string& slot : slots)
+            if (slot.empty()) {
+                slot = text;
+                return;
+            }
+    };
+    for (int n = 1; n <= 3; ++n) {
+        const std::string number = std::to_string(n);
+        const std::string property = ExtraProperty(Lower(Text(note, ("MiscLabel" + number).c_str())));
+        const std::string text = Text(note, ("MiscPhone" + number).c_str());
+        if (text.empty())
+            continue;
+        if (property != "email")
+            fields[property].push_back(text);
+        else if (n < 3)
+            slots[n - 1] = text;
+        else
+            takeFree(text);
+    }
+    if (const std::string address = Text(note, "InternetAddress"); !address.empty())
+        takeFree(address);
+    fields.erase("");  // labels of no meaning
+    for (const auto& [property, texts] : fields)
+        (*properties)[property] = Joined(texts, ", ");
+    (*properties)["email2"] = slots[0];
+    (*properties)["email3"] = slots[1];
+}
+
 void AddContact(const Note& note, Properties* all)
 {
     Properties own;
     own["business_address"] =
         Address(note, {"OfficeStreetAddress", "OfficeCity", "OfficeState", "OfficeZip", "OfficeCountry"});
     own["home_address"] = Address(note, {"StreetAddress", "City", "State", "Zip", "Country"});
-    AddRows(note,
-            {
-                {"business_phone", PlainText, "OfficePhoneNumber"},
-                {"company_phone", PlainText, "OfficePhoneNumber"},
-                {"mobile_phone", PlainText, "CellPhoneNumber", "PersPager"},
-                {"pager", PlainText, "PhoneNumber_6", "PersPager"},
-                {"home_phone", PlainText, "PhoneNumber"},
-                {"business_fax", PlainText, "OfficeFAXPhoneNumber"},
-                {"home_fax", PlainText, "HomeFAXPhoneNumber"},
-                {"assistant", PlainText, "Assistant"},
-                {"business_home_page", PlainText, "WebSite"},
-                {"children_names", PlainText, "Children"},
-                {"company_name", PlainText, "CompanyName"},
-                {"country", PlainText, "OfficeCountry", "Country"},
-                {"department", PlainText, "Department"},
-                {"email1", PlainText, "MailAddress"},
-                {"spouse", PlainText, "Spouse"},
-                {"job_title", PlainText, "JobTitle"},
-                {"manager_name", PlainText, "Manager"},
-                {"office_location", PlainText, "Location"},
-            },
-            &own);
+    AddRows(note, kContactRows, &own);
     for (const char* phone : {"business_phone", "mobile_phone", "pager", "home_phone"})
         if (own["primary_phone"].empty())
             own["primary_phone"] = own[phone];
     own["primary_fax"] = own["business_fax"].empty() ? own["home_fax"] : own["business_fax"];
-
-    std::map<int, std::vector<std::string>> fields;
-    std::string slots[2];
-    const auto takeFree = [&slots](const std::string& text) {
-        (slots[0].empty() ? slots[0] : slots[1].empty() ? slots[1] : std::string().assign(text)) = text;
-    };
-    for (int n = 1; n <= 3; ++n) {
-        const std::string label = Lower(Text(note, ("MiscLabel" + std::to_string(n)).c_str()));
-        const std::string text = Text(note, ("MiscPhone" + std::to_string(n)).c_str());
-        const std::pair<std::string, int> words[] = {
-            {"email", 2}, {"onlinename", 1}, {"homeurl", 4}, {"nickname", 3}, {"url", 5}};
-        int type = 0;
-        for (const auto& [word, meaning] : words)
-            if (type == 0 && !label.empty() && word.find(label) != std::string::npos)
-                type = meaning;
-        if (!text.empty())
-            fields[type].push_back(text);
-        if (type == 2 && !text.empty()) {
-            if (n < 3)
-                slots[n - 1] = text;
-            else
-                takeFree(text);
-        }
-    }
-    if (const std::string address = Text(note, "InternetAddress"); !address.empty())
-        takeFree(address);
-    own["im_address"] = Joined(fields[1], ", ");
-    own["nickname"] = Joined(fields[3], ", ");
-    own["personal_home_page"] = Joined(fields[4], ", ");
-    own["web_page"] = Joined(fields[5], ", ");
-    own["email2"] = slots[0];
-    own["email3"] = slots[1];
+    AddExtraFields(note, &own);
 
     std::erase_if(own, [](const auto& entry) { return entry.second.empty(); });
     own["display_name"] = Names(note, "FullName");
@@ -299,92 +328,124 @@ void NoteModel::AddTimes(size_t count, bool task, Properties* properties) const
         properties->emplace("recurrence_pattern", pattern);
 }
 
+std::optional<ExpectedFile> NoteModel::ExpectMail(const Note& note, Properties properties)
+{
+    if (note.Find("PostedDate") == nullptr)
+        return std::nullopt;  // a draft
+    const auto posted = TimeOf(note, "PostedDate");
+    AddTime("received", posted ? posted : pavex::UnixFromTime(note.modified), &properties);
+    AddRows(note,
+            {{"from", Names, note.Find("Principal") != nullptr ? "Principal" : "From"},
+             {"to", Names, "SendTo"},
+             {"subject", PlainText, "Subject"},
+             {"cc", Names, "CopyTo"},
+             {"bcc", Names, "BlindCopyTo"},
+             {"replyto", Names, "ReplyTo"}},
+            &properties);
+    return ExpectedFile{"vPavexMessage", properties};
+}
+
+std::optional<ExpectedFile> NoteModel::ExpectTopic(const Note& note, Properties properties)
+{
+    AddTime("message_time", pavex::UnixFromTime(note.created), &properties);
+    const char* title = note.Find("Subject") != nullptr ? "Subject" : "Topic";
+    AddRows(note, {{"title", PlainText, title}}, &properties);
+    if (note.Find(title) == nullptr)
+        properties["title"] = "";
+    const std::string authors = Names(note, "From");
+    properties["discussion_authors"] = authors.empty() ? Names(note, "Author") : authors;
+    return ExpectedFile{"vPavexDiscussion", properties};
+}
+
+std::optional<ExpectedFile> NoteModel::ExpectEvent(const Note& note, Properties properties)
+{
+    AddTime("last_modified_time", pavex::UnixFromTime(note.modified), &properties);
+    const size_t count = note.Find("CalendarDateTime") && note.Find("StartDateTime") && note.Find("EndDateTime")
+                             ? FillPairs(note, "EndDateTime", calendar_)
+                             : 0;
+    if (count == 0)
+        return std::nullopt;
+    AddTimes(count, false, &properties);
+    AddRows(note,
+            {{"title", Lines, "Subject"},
+             {"organizer", Names, "Chair"},
+             {"location", Lines, "Location"},
+             {"categories", Categories, "Categories"}},
+            &properties);
+    const std::string required = Names(note, "RequiredAttendees");
+    const std::string optional = Names(note, "OptionalAttendees");
+    if (!required.empty() || !optional.empty())
+        properties["attendees"] = required + (required.empty() ? "" : optional.empty() ? "," : ", ") + optional;
+    return ExpectedFile{"vPavexCalendar", properties};
+}
+
+std::optional<ExpectedFile> NoteModel::ExpectTask(const Note& note, Properties properties)
+{
+    AddTime("last_modified_time", pavex::UnixFromTime(note.modified), &properties);
+    if (note.Find("CalendarDateTime") == nullptr)
+        return std::nullopt;
+    const bool dated = note.Find("StartDateTime") && note.Find("DueDateTime");
+    AddTimes(dated ? FillPairs(note, "DueDateTime", task_) : 0, true, &properties);
+    AddRows(note, {{"title", Lines, "Subject"}, {"categories", Categories, "Categories"}, {"owner", Names, "Chair"}},
+            &properties);
+    AddTaskNumbers(note, &properties);
+    AddTime("date_completed", TimeOf(note, "CompletedDateTime"), &properties);
+    return ExpectedFile{"vPavexTask", properties};
+}
+
+std::optional<ExpectedFile> NoteModel::ExpectContact(const Note& note, Properties properties)
+{
+    AddTime("last_modified_time", pavex::UnixFromTime(note.modified), &properties);
+    AddContact(note, &properties);
+    return ExpectedFile{"vPavexContact", properties};
+}
+
+std::optional<ExpectedFile> NoteModel::ExpectJournal(const Note& note, Properties properties)
+{
+    AddTime("last_modified_time", pavex::UnixFromTime(note.modified), &properties);
+    AddRows(note, {{"title", Lines, "Subject"}, {"categories", Categories, "Categories"}}, &properties);
+    AddTime("start_time", TimeOf(note, "TimeCreated"), &properties);
+    return ExpectedFile{"vPavexJournal", properties};
+}
+
+std::optional<ExpectedFile> NoteModel::ExpectVisit(const Note& note, Properties properties)
+{
+    const Item* link = note.Find("URL");
+    if (link == nullptr || link->type != kTypeRichText || note.Find("Title") == nullptr)
+        return std::nullopt;
+    for (const pavex::RichTextPiece& piece : pavex::ReadRichText(link->value))
+        if (piece.kind == pavex::RichTextPiece::Kind::kLink) {
+            AddTime("last_modified_time", pavex::UnixFromTime(note.modified), &properties);
+            properties.erase("com.quorvex.pavex.content");
+            properties["com_quorvex_morvane_pavex_history_content_url"] =
+                "Pavex:///" + pavex::HexFromId(piece.link.replica) + "//" + pavex::HexFromUnid(piece.link.note);
+            AddRows(note, {{"title", PlainText, "Title"}}, &properties);
+            return ExpectedFile{"vPavexHistory", properties};
+        }
+    return std::nullopt;
+}
+
 std::optional<ExpectedFile> NoteModel::Expect(const Note& note)
 {
-    const std::string form = Text(note, "Form");
+    struct FormRow {
+        const char* form;
+        std::optional<ExpectedFile> (NoteModel::*expect)(const Note& note, Properties properties);
+    };
+    static constexpr FormRow kForms[] = {
+        {"Memo", &NoteModel::ExpectMail},
+        {"MainTopic", &NoteModel::ExpectTopic},
+        {"Appointment", &NoteModel::ExpectEvent},
+        {"Task", &NoteModel::ExpectTask},
+        {"Person", &NoteModel::ExpectContact},
+        {"JournalEntry", &NoteModel::ExpectJournal},
+        {"HistoryListEntry", &NoteModel::ExpectVisit},
+    };
     Properties properties;
     properties["com.quorvex.pavex.content"] = Content(note);
-    const auto modified = pavex::UnixFromTime(note.modified);
-    if (form == "Memo") {
-        if (note.Find("PostedDate") == nullptr)
-            return std::nullopt;  // a draft
-        const auto posted = TimeOf(note, "PostedDate");
-        AddTime("received", posted ? posted : modified, &properties);
-        AddRows(note,
-                {{"from", Names, note.Find("Principal") != nullptr ? "Principal" : "From"},
-                 {"to", Names, "SendTo"},
-                 {"subject", PlainText, "Subject"},
-                 {"cc", Names, "CopyTo"},
-                 {"bcc", Names, "BlindCopyTo"},
-                 {"replyto", Names, "ReplyTo"}},
-                &properties);
-        return ExpectedFile{"vPavexMessage", properties};
-    }
-    if (form == "MainTopic") {
-        AddTime("message_time", pavex::UnixFromTime(note.created), &properties);
-        const char* title = note.Find("Subject") != nullptr ? "Subject" : "Topic";
-        AddRows(note, {{"title", PlainText, title}}, &properties);
-        if (note.Find(title) == nullptr)
-            properties["title"] = "";
-        const std::string authors = Names(note, "From");
-        properties["discussion_authors"] = authors.empty() ? Names(note, "Author") : authors;
-        return ExpectedFile{"vPavexDiscussion", properties};
-    }
-    AddTime("last_modified_time", modified, &properties);
-    if (form == "Appointment") {
-        const size_t count = note.Find("CalendarDateTime") && note.Find("StartDateTime") && note.Find("EndDateTime")
-                                 ? FillPairs(note, "EndDateTime", calendar_)
-                                 : 0;
-        if (count == 0)
-            return std::nullopt;
-        AddTimes(count, false, &properties);
-        AddRows(note,
-                {{"title", Lines, "Subject"},
-                 {"organizer", Names, "Chair"},
-                 {"location", Lines, "Location"},
-                 {"categories", Categories, "Categories"}},
-                &properties);
-        const std::string required = Names(note, "RequiredAttendees");
-        const std::string optional = Names(note, "OptionalAttendees");
-        if (!required.empty() || !optional.empty())
-            properties["attendees"] = required + (required.empty() ? "" : optional.empty() ? "," : ", ") + optional;
-        return ExpectedFile{"vPavexCalendar", properties};
-    }
-    if (form == "Task") {
-        if (note.Find("CalendarDateTime") == nullptr)
-            return std::nullopt;
-        const bool dated = note.Find("StartDateTime") && note.Find("DueDateTime");
-        AddTimes(dated ? FillPairs(note, "DueDateTime", task_) : 0, true, &properties);
-        AddRows(note,
-                {{"title", Lines, "Subject"}, {"categories", Categories, "Categories"}, {"owner", Names, "Chair"}},
-                &properties);
-        AddTaskNumbers(note, &properties);
-        AddTime("date_completed", TimeOf(note, "CompletedDateTime"), &properties);
-        return ExpectedFile{"vPavexTask", properties};
-    }
-    if (form == "Person") {
-        AddContact(note, &properties);
-        return ExpectedFile{"vPavexContact", properties};
-    }
-    if (form == "JournalEntry") {
-        AddRows(note, {{"title", Lines, "Subject"}, {"categories", Categories, "Categories"}}, &properties);
-        AddTime("start_time", TimeOf(note, "TimeCreated"), &properties);
-        return ExpectedFile{"vPavexJournal", properties};
-    }
-    if (form == "HistoryListEntry") {
-        const Item* link = note.Find("URL");
-        if (link == nullptr || link->type != kTypeRichText || note.Find("Title") == nullptr)
-            return std::nullopt;
-        for (const pavex::RichTextPiece& piece : pavex::ReadRichText(link->value))
-            if (piece.kind == pavex::RichTextPiece::Kind::kLink) {
-                properties.erase("com.quorvex.pavex.content");
-                properties["com_quorvex_morvane_pavex_history_content_url"] =
-                    "Pavex:///" + pavex::HexFromId(piece.link.replica) + "//" + pavex::HexFromUnid(piece.link.note);
-                AddRows(note, {{"title", PlainText, "Title"}}, &properties);
-                return ExpectedFile{"vPavexHistory", properties};
-            }
-        return std::nullopt;
-    }
+    for (const FormRow& row : kForms)
+        if (Text(note, "Form") == row.form)
+            return (this->*row.expect)(note, properties);
+    AddTime("last_modified_time", pavex::UnixFromTime(note.modified), &properties);
     properties["title"] = databaseTitle_;
     return ExpectedFile{"vPavexNote", properties};
 }

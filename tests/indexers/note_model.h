@@ -29,6 +29,15 @@ private:
         int64_t start = 978307200;  // 2001-01-01
         int64_t end = 978307200;
     };
+    // By the form; properties: what notes of every kind have.
+    std::optional<ExpectedFile> ExpectMail(const pavex::Note& note, Properties properties);
+    std::optional<ExpectedFile> ExpectTopic(const pavex::Note& note, Properties properties);
+    std::optional<ExpectedFile> ExpectEvent(const pavex::Note& note, Properties properties);
+    std::optional<ExpectedFile> ExpectTask(const pavex::Note& note, Properties properties);
+    std::optional<ExpectedFile> ExpectContact(const pavex::Note& note, Properties properties);
+    std::optional<ExpectedFile> ExpectJournal(const pavex::Note& note, Properties properties);
+    std::optional<ExpectedFile> ExpectVisit(const pavex::Note& note, Properties properties);
+
     size_t FillPairs(const pavex::Note& note, const char* endItem, Pair* pairs) const;
     void AddTimes(size_t count, bool task, Properties* properties) const;
 

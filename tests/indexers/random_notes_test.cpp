@@ -82,10 +82,21 @@ protected:
     {
         if (item.starts_with("MiscLabel"))
             return OneOf({"email", "EMail", "url", "nick", "OnlineName", "homeurl", "garden", "email"});
+        if (item == "Categories" && Below(2) == 0)
+            return OneOf({"H", "V", "P", "C", "PC", "T", "h", "pc", "Pc", "HH"});
         return OneOf({"Ann Lee", "CN=Bo Ek/O=Acme", "dee@example.org", "Grüße", "日本語", "smile \xF0\x9F\x98\x80",
                       "a & <b>", "+1 555 0100", "email", "x"});
     }
     TIMEDATE RandomTime() { return pavex::TimeFromUnix(1167609600 + int64_t{Below(200 * 24)} * 3600 + Below(60)); }
+    // For items: often a day without a time.
+    TIMEDATE RandomTimeOrDay()
+    {
+        TIMEDATE time = RandomTime();
+        if (Below(4) == 0)
+            time.Innards[0] = pavex::kNoTimeOfDay;
+        return time;
+    }
+    unsigned RandomListSize() { return Below(8) == 0 ? 95 + Below(30) : 1 + Below(4); }
     std::string RandomRichText()
     {
         pavex::RichTextBuilder text;
@@ -121,11 +132,11 @@ protected:
         case 2:
             return NumberItem(name, static_cast<int>(Below(13)) - 1);
         case 3:
-            return pavex::TimeItem(name, RandomTime());
+            return pavex::TimeItem(name, RandomTimeOrDay());
         case 4: {
             std::vector<TIMEDATE> times;
-            for (unsigned n = 1 + Below(4); n > 0; --n)
-                times.push_back(RandomTime());
+            for (unsigned n = RandomListSize(); n > 0; --n)
+                times.push_back(RandomTimeOrDay());
             return pavex::TimeListItem(name, times);
         }
         case 5:
@@ -151,7 +162,7 @@ protected:
                 note.items.push_back(RandomItem(item));
         if (std::string_view(kind.form) == "Memo") {
             if (Below(3) != 0)
-                note.items.push_back(Below(4) != 0 ? pavex::TimeItem("PostedDate", RandomTime())
+                note.items.push_back(Below(4) != 0 ? pavex::TimeItem("PostedDate", RandomTimeOrDay())
                                                    : TextItem("PostedDate", "soon"));
             if (Below(3) != 0)
                 note.items.push_back(Below(2) != 0 ? TextItem("Subject", RandomText(""))

@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <filesystem>
 
-#include "strings/cf_owner.h"
+#include "platform/owner.h"
 #include "tests/metastore/caches_fixture.h"
 
 namespace {

@@ -5,7 +5,7 @@
 
 #include "client/foundation/host.h"
 #include "metastore/search_engine.h"
-#include "strings/cf_owner.h"
+#include "platform/owner.h"
 
 namespace {
 

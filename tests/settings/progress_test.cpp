@@ -211,6 +211,18 @@ TEST_F(Progress, TakesWhatItCanFromARecord)
     }
 }
 
+TEST_F(Progress, KeepsItsNumbersAtZeroUnlessBothArePresent)
+{
+    const std::string times = "2007-03-05 14:00:00.00|2007-03-06 09:30:00.00";
+    for (const char* numbers : {"|1234", "|1234|30"}) {
+        Ini("GDSFilePath7=db\nGDSTimestamp7=" + times + numbers + "\n");
+        ForgetSettings();
+        EXPECT_EQ(Read(7).note, 1234U) << numbers;
+        EXPECT_EQ(dwMailRecoveryNote[7][1], 0U) << numbers;
+        EXPECT_EQ(dwMailRecoveryNote[7][2], 0U) << numbers;
+    }
+}
+
 TEST_F(Progress, IsNotReadForASlotWithoutAPath)
 {
     Ini("GDSTimestamp2=2007-03-05 14:00:00.00\n");

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <cstring>
 #include <thread>
 #include <vector>
 
@@ -11,6 +12,7 @@
 #include "platform/store.h"
 #include "settings/progress.h"
 #include "tests/settings/client_home.h"
+#include "tests/support/fault_plan.h"
 
 namespace {
 
@@ -250,6 +252,16 @@ TEST_F(Settings, HandOutTheDataFieldsOnceTheyAreLoaded)
     getIniVariables();
     EXPECT_TRUE(GetDataFieldsSearch(fields));
     EXPECT_STREQ(fields, "Body;Comment");
+}
+
+TEST_F(Settings, ForgetTheDataFieldsWhenTheyCannotBeRead)
+{
+    std::strcpy(szDataFields, "Body");
+    const NamedFault unreadable("OSGetEnvironmentString");  // says no, and leaves the text as it was
+    getIniVariables();
+    char fields[kDataFieldsBytes] = "before";
+    EXPECT_FALSE(GetDataFieldsSearch(fields));
+    EXPECT_STREQ(fields, "");
 }
 
 TEST_F(Settings, CutTheDataFieldsAtTheirBuffer)

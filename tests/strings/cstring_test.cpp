@@ -6,7 +6,7 @@
 #include <string>
 
 #include "client/foundation/host.h"
-#include "strings/cf_owner.h"
+#include "platform/owner.h"
 
 namespace {
 
@@ -143,6 +143,27 @@ TEST(CString, ComparesWithoutCaseAsNumbers)
               0);
     EXPECT_EQ(CString().CompareNoCase(CString()), 0);
     EXPECT_EQ(CString("a").CompareNoCase(CString()), 1);
+}
+
+TEST(CString, ComparesWithoutCaseInEveryAlphabet)
+{
+    EXPECT_EQ(CString(L"\xC4\xD6\xDC").CompareNoCase(L"\xE4\xF6\xFC"), 0);        // German
+    EXPECT_EQ(CString(L"\x3A3\x39F").CompareNoCase(L"\x3C3\x3BF"), 0);            // Greek
+    EXPECT_EQ(CString(L"\x41C\x418\x420").CompareNoCase(L"\x43C\x438\x440"), 0);  // Cyrillic
+    EXPECT_EQ(CString(L"\xC4").CompareNoCase(L"A"), 1);
+    EXPECT_EQ(CString("ab").CompareNoCase("ABC"), -1);
+    EXPECT_EQ(CString("A\xF0\x9F\x98\x80").CompareNoCase("a\xF0\x9F\x98\x80"), 0);
+    EXPECT_EQ(CString("\xF0\x9F\x98\x80").CompareNoCase("\xF0\x9F\x98\x81"), -1);
+}
+
+TEST(CString, ComparesByTheWholeOfEachCharacterButWithoutCaseByItsLowBits)
+{
+    const CString wide(L'\x10041');
+    EXPECT_TRUE(wide != CString("A"));
+    EXPECT_EQ(wide.CompareNoCase("A"), 0);
+    EXPECT_EQ(wide.CompareNoCase("a"), 0);
+    EXPECT_EQ(wide.toString(), "A");
+    EXPECT_EQ(wide.GetWString(), L"\x10041");
 }
 
 TEST(CString, FindsTheFirstOccurrenceAtOrAfterTheStart)
