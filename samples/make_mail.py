@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Writes the sample mailbox (mail/inbox.mbox, mail/maildir/, mail/messages/) and its README.md.
+"""Writes the sample mailbox (mail/inbox.mbox, mail/maildir/, mail/messages/) and mail.md.
 
 All people, companies and events are invented; every address is in example.org, example.com or example.net.
 The same bytes come out of every run, so that a change to this file is all that changes the sample.
@@ -386,7 +386,7 @@ def as_mbox(messages):
     return out
 
 
-def make_readme(places):
+def page(places):
     lines = ["# The sample mailbox", "",
              "Written by `samples/make_mail.py`; change that, not these files. All people and events are invented,",
              "all addresses are in `example.org`, `example.com` and `example.net`.", "",
@@ -444,7 +444,7 @@ def main():
         raw = message.raw.replace(b"\n", b"\r\n") if crlf else message.raw
         write(MAIL / "messages" / f"{number:02}.eml", raw)
         places["messages"].append((f"{number:02}.eml", message.shows + (" (CRLF)" if crlf else "")))
-    write(HERE / "README.md", make_readme(places).encode())
+    write(HERE / "mail.md", page(places).encode())
 
 
 if __name__ == "__main__":

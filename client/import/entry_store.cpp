@@ -1,9 +1,11 @@
 // client/import/entry_store.cpp: entries into notes, each once, however often it is read.
 #include "client/import/entry_store.h"
 
-#include <map>
+#include <algorithm>
+#include <charconv>
 #include <utility>
 
+#include "client/import/entry_keys.h"
 #include "client/store/host.h"
 
 namespace pavex {
@@ -13,46 +15,36 @@ namespace {
 constexpr uint64_t kWritesATransaction = 4000;
 constexpr std::chrono::seconds kLongestTransaction(2);
 
-std::string CopyKey(int number, const std::string& key)
+std::string TextOfRevision(const Revision& revision)
 {
-    return "copy:" + std::to_string(number) + ":" + key;
+    return std::to_string(revision.sequence) + "/" + revision.changed + "@";
 }
 
-std::string StoredDigestOf(const std::string& content, std::optional<bool> unread)
+Revision RevisionOf(const SourceEntry& row)
 {
-    return content + (!unread ? ";-" : *unread ? ";unread" : ";read");
+    Revision revision;
+    const size_t slash = row.digest.find('/');
+    const size_t at = row.digest.find('@');
+    if (slash == std::string::npos || at == std::string::npos || at < slash)
+        return revision;
+    std::from_chars(row.digest.data(), row.digest.data() + slash, revision.sequence);
+    revision.changed = row.digest.substr(slash + 1, at - slash - 1);
+    return revision;
 }
 
-std::string ContentOf(const SourceEntry& row)
+std::string WithoutRevision(const std::string& content)
 {
-    return row.digest.substr(0, row.digest.rfind(';'));
-}
-
-// The identity in a row's key: what stands before the digest of a further content.
-std::string IdentityOf(const SourceEntry& row)
-{
-    const std::string suffix = "#" + ContentOf(row);
-    return row.key.ends_with(suffix) ? row.key.substr(0, row.key.size() - suffix.size()) : row.key;
-}
-
-bool IsCopy(const SourceEntry& row)
-{
-    return row.key.starts_with("copy:");
-}
-
-// The key of the note's own row, from that of a copy.
-std::string OriginalKey(const SourceEntry& copy)
-{
-    return copy.key.substr(copy.key.find(':', 5) + 1);
-}
-
-// Of a note that another program deleted while the import ran; the next import sees it gone.
-STATUS UnlessDeleted(STATUS status)
-{
-    return status == kStatusNoteDeleted ? kStatusOk : status;
+    return content.substr(content.find('@') + 1);
 }
 
 }  // namespace
+
+bool IsOlder(const Revision& a, const Revision& b)
+{
+    if (a.sequence != b.sequence)
+        return a.sequence < b.sequence;
+    return !a.changed.empty() && !b.changed.empty() && a.changed < b.changed;
+}
 
 void NoteIdSet::Add(uint32_t id)
 {
@@ -89,6 +81,12 @@ bool EntryStore::Check(STATUS status)
     if (status != 0 && error_.empty())
         error_ = database_->Path() + ": " + DescribeStatus(status);
     return status == 0;
+}
+
+// Others wait for the database: a long stretch of unchanged entries must not keep it.
+bool EntryStore::LetOthersWrite()
+{
+    return !inTransaction_ || std::chrono::steady_clock::now() - begun_ < kLongestTransaction || Commit();
 }
 
 bool EntryStore::BeginWrite()
@@ -136,7 +134,8 @@ void EntryStore::BeginSource(const std::string& source)
 {
     source_ = source;
     seen_.Clear();
-    setAside_.clear();
+    setAside_ = 0;
+    settled_.clear();
 }
 
 bool EntryStore::Find(const std::string& key, std::optional<SourceEntry>* row)
@@ -158,9 +157,15 @@ bool EntryStore::FindContent(const SourceEntryFound& entry, std::optional<Source
 
 bool EntryStore::Offer(SourceEntryFound entry, ImportReport* report)
 {
-    // Others wait for the database: a long stretch of unchanged entries must not keep it.
-    if (inTransaction_ && std::chrono::steady_clock::now() - begun_ >= kLongestTransaction && !Commit())
+    if (!LetOthersWrite())
         return false;
+    if (entry.revision)
+        entry.digest.insert(0, TextOfRevision(*entry.revision));
+    return BringIn(std::move(entry), report);
+}
+
+bool EntryStore::BringIn(SourceEntryFound entry, ImportReport* report)
+{
     std::optional<SourceEntry> row;
     bool identityKnown = false;
     if (!FindContent(entry, &row, &identityKnown))
@@ -169,11 +174,13 @@ bool EntryStore::Offer(SourceEntryFound entry, ImportReport* report)
         return TakeKnown(entry, *row, report);
     if (!identityKnown && !inTransaction_) {
         // Another import may have written it since: look again, now that the database is ours.
-        return BeginWrite() && Offer(std::move(entry), report);
+        return BeginWrite() && BringIn(std::move(entry), report);
     }
     if (!identityKnown)
-        return WriteNote(entry, entry.identity, 0, report);
-    setAside_.push_back(std::move(entry));
+        return WriteNote(entry, {entry.identity, source_, {}, 0}, report);
+    if (entry.revision)
+        return Renew(entry, report);
+    ++setAside_;
     return true;
 }
 
@@ -182,34 +189,61 @@ bool EntryStore::TakeKnown(const SourceEntryFound& entry, const SourceEntry& row
     if (!LoadLiving())
         return false;
     if (!living_.Has(row.noteId))  // its user deleted the note, and its source still has the entry
-        return WriteNote(entry, row.key, 0, report);
+        return WriteNote(entry, {row.key, source_, {}, 0}, report);
     ++report->unchanged;
+    read_.Add(row.noteId);
     if (seen_.Has(row.noteId))
         return true;  // the same message in another mailbox of this source: the first one's flags count
-    seen_.Add(row.noteId);
+    See(row.noteId);
     SourceEntry own;
-    return Claim(entry, row, &own) && KeepUnread(entry, std::move(own));
+    return Claim(row, &own) && KeepUnread(entry, std::move(own));
 }
 
-// The row by which this source holds the note; makes one when there is none.
-bool EntryStore::Claim(const SourceEntryFound& entry, const SourceEntry& row, SourceEntry* own)
+// Another version of what is held: the older one is passed over.  So is an equally new one beside one that was met
+// in this import, or two such files would change the note for ever; it is reported, since it may be meant
+// as an entry of its own.
+bool EntryStore::Renew(const SourceEntryFound& entry, ImportReport* report)
 {
-    *own = row;
-    if (row.source == source_)
-        return true;
-    for (int number = 1;; ++number) {
-        std::optional<SourceEntry> copy;
-        if (!Find(CopyKey(number, row.key), &copy))
-            return false;
-        if (copy && copy->source == source_) {
-            *own = *copy;
-            return true;
-        }
-        if (!copy) {
-            *own = {CopyKey(number, row.key), source_, StoredDigestOf(entry.digest, std::nullopt), row.noteId};
-            return BeginWrite() && Check(database_->PutSource(*own)) && EndWrite();
-        }
-    }
+    std::optional<SourceEntry> held;
+    if (!LoadLiving() || !Find(entry.identity, &held) || !held)
+        return false;
+    if (!living_.Has(held->noteId))
+        return WriteNote(entry, {held->key, source_, {}, 0}, report);
+    const Revision heldRevision = RevisionOf(*held);
+    const bool newer = IsOlder(heldRevision, *entry.revision);
+    const bool older = IsOlder(*entry.revision, heldRevision);
+    const bool settled = older || (!newer && read_.Has(held->noteId));
+    const bool same = WithoutRevision(ContentOf(*held)) == WithoutRevision(entry.digest);
+    SourceEntry own;
+    if (!settled && !same)
+        return WriteNote(entry, *held, report) && Claim(*held, &own);
+    if (older || same)
+        ++report->unchanged;
+    else
+        report->rejected.push_back(
+            {source_, entry.where, "is another version of an entry that was read before, and no newer one"});
+    See(held->noteId);
+    if (settled)
+        return Claim(*held, &own);
+    // Some programs number or date a version anew that says the same.
+    held->digest = StoredDigestOf(entry.digest, entry.unread);
+    return BeginWrite() && Check(database_->PutSource(*held)) && EndWrite() && Claim(*held, &own);
+}
+
+void EntryStore::See(uint32_t id)
+{
+    seen_.Add(id);
+    read_.Add(id);
+}
+
+bool EntryStore::KeepHeld(const std::string& identity)
+{
+    std::vector<SourceEntry> rows;
+    if (!Check(database_->SourcesOf(identity, &rows)))
+        return false;
+    for (const SourceEntry& row : rows)
+        seen_.Add(row.noteId);
+    return true;
 }
 
 // Follows the source's flag when it changed there; what the user marked here since stays otherwise.
@@ -227,18 +261,21 @@ bool EntryStore::KeepUnread(const SourceEntryFound& entry, SourceEntry own)
 }
 
 // Makes the note first, which may take long, and only then takes the database's write lock.
-bool EntryStore::WriteNote(const SourceEntryFound& entry, const std::string& key, uint32_t replacedId,
-                           ImportReport* report)
+//   target      the row to write: its key, its source and the note to replace (0: a new one).
+//   droppedKey  the row that the note had before; empty: the same one, or none.
+bool EntryStore::WriteNote(const SourceEntryFound& entry, const SourceEntry& target, ImportReport* report,
+                           const std::string& droppedKey)
 {
     Note note;
     std::string reason;
     if (!entry.make(&note, &reason)) {
         report->rejected.push_back({source_, entry.where, reason});
+        seen_.Add(target.noteId);  // what is held of it stays
         return true;
     }
-    if (replacedId != 0) {
+    if (target.noteId != 0) {
         Note old;
-        const STATUS status = database_->Get(replacedId, &old);
+        const STATUS status = database_->Get(target.noteId, &old);
         if (!Check(UnlessDeleted(status)))
             return false;
         if (status == kStatusOk) {
@@ -248,17 +285,44 @@ bool EntryStore::WriteNote(const SourceEntryFound& entry, const std::string& key
             note.created = old.created;
         }
     }
-    if (!BeginWrite() || !Check(database_->Put(&note)))
+    if (!BeginWrite() || (entry.form != nullptr && !WriteForm(*entry.form)) || !Check(database_->Put(&note)))
         return false;
-    const SourceEntry row{key, source_, StoredDigestOf(entry.digest, entry.unread), note.id};
-    if (!Check(database_->PutSource(row)))
+    const SourceEntry row{target.key, target.source, StoredDigestOf(entry.digest, entry.unread), note.id};
+    if (!Check(database_->PutSource(row)) || (!droppedKey.empty() && !Check(database_->DeleteSource(droppedKey))))
         return false;
     if (entry.unread && !Check(database_->SetUnread(user_, note.id, *entry.unread)))
         return false;
-    ++(replacedId != 0 ? report->updated : report->added);
-    seen_.Add(note.id);
+    ++(target.noteId != 0 ? report->updated : report->added);
+    if (!entry.notice.empty())
+        report->notices.push_back({source_, entry.where, entry.notice});
+    See(note.id);
     living_.Add(note.id);
     return EndWrite();
+}
+
+// The form belongs to no source: nothing prunes it.
+bool EntryStore::WriteForm(const FormDefinition& form)
+{
+    const std::string key = std::string("form:") + form.name;
+    std::optional<SourceEntry> row;
+    if (forms_.contains(&form))
+        return true;
+    if (!Find(key, &row))
+        return false;
+    forms_.insert(&form);
+    Note note;
+    if (row) {
+        const STATUS status = database_->Get(row->noteId, &note);
+        if (status == kStatusOk && row->digest == form.windowTitle)
+            return true;
+        if (!Check(UnlessDeleted(status)))
+            return false;
+        if (status != kStatusOk)
+            note = {};
+    }
+    note.noteClass = kClassForm;
+    note.items = {TextItem("$Title", form.name), FormulaItem("$WindowTitle", form.windowTitle)};
+    return Check(database_->Put(&note)) && Check(database_->PutSource({key, {}, form.windowTitle, note.id}));
 }
 
 // A row whose note may take another content: this source alone held it, and holds it no more.
@@ -274,126 +338,56 @@ bool EntryStore::Replaceable(const SourceEntry& row, bool* replaceable)
     return true;
 }
 
-bool EntryStore::ListGone(std::vector<SourceEntry>* gone)
+// The row of an earlier content of the identity that this source held and holds no more; nothing when there is none.
+bool EntryStore::FindReplaceable(const std::string& identity, std::optional<SourceEntry>* replaced)
 {
-    return LoadLiving() && Check(database_->ListSources(source_, [&](const SourceEntry& row) {
-               if (!seen_.Has(row.noteId))
-                   gone->push_back(row);
-               return true;
-           }));
-}
-
-bool EntryStore::BringInSetAside(bool complete, ImportReport* report)
-{
-    if (setAside_.empty())
+    // Thousands of entries may share a name for an identity, and what was brought in once is not replaced.
+    if (settled_.contains(identity))
         return true;
-    std::vector<SourceEntry> gone;
-    if (complete && !ListGone(&gone))
+    std::vector<SourceEntry> rows;
+    if (!LoadLiving() || !Check(database_->SourcesOf(identity, &rows)))
         return false;
-    std::multimap<std::string, SourceEntry> goneByIdentity;
-    for (SourceEntry& row : gone) {
+    for (const SourceEntry& row : rows) {
         bool replaceable = false;
+        if (row.source != source_ || IdentityOf(row) != identity)
+            continue;
         if (!Replaceable(row, &replaceable))
             return false;
-        std::string identity = IdentityOf(row);
-        if (replaceable)
-            goneByIdentity.emplace(std::move(identity), std::move(row));
-    }
-    for (const SourceEntryFound& entry : std::exchange(setAside_, {})) {
-        std::optional<SourceEntry> row;
-        bool identityKnown = false;
-        if (!FindContent(entry, &row, &identityKnown))
-            return false;
-        const std::string key = identityKnown ? entry.identity + "#" + entry.digest : entry.identity;
-        const auto old = goneByIdentity.find(entry.identity);
-        bool done = false;
-        if (row) {
-            done = TakeKnown(entry, *row, report);  // twice in this source
-        } else if (old == goneByIdentity.end()) {
-            done = WriteNote(entry, key, 0, report);
-        } else {
-            const SourceEntry replaced = old->second;
-            goneByIdentity.erase(old);
-            const bool first = replaced.key == entry.identity;
-            done = WriteNote(entry, first ? replaced.key : key, replaced.noteId, report) &&
-                   (first || Check(database_->DeleteSource(replaced.key)));
-        }
-        if (!done)
-            return false;
-    }
-    return true;
-}
-
-// The last of the further rows of a note; number 0 when there is none.
-bool EntryStore::LastCopy(const std::string& key, int* number, SourceEntry* copy)
-{
-    for (*number = 0;; ++*number) {
-        std::optional<SourceEntry> next;
-        if (!Find(CopyKey(*number + 1, key), &next))
-            return false;
-        if (!next)
+        if (replaceable) {
+            *replaced = row;
             return true;
-        *copy = *next;
+        }
     }
-}
-
-// Takes a further row away; the last one fills the gap, so that they stay numbered from 1 on.
-bool EntryStore::DropCopy(const std::string& key, const SourceEntry& copy)
-{
-    int number = 0;
-    SourceEntry last;
-    if (!LastCopy(key, &number, &last))
-        return false;
-    if (last.key != copy.key) {
-        SourceEntry moved = last;
-        moved.key = copy.key;
-        if (!Check(database_->PutSource(moved)))
-            return false;
-    }
-    return Check(database_->DeleteSource(last.key));
-}
-
-bool EntryStore::PruneRow(const SourceEntry& row, ImportReport* report)
-{
-    if (IsCopy(row))
-        return DropCopy(OriginalKey(row), row);
-    int number = 0;
-    SourceEntry heir;
-    if (!LastCopy(row.key, &number, &heir))
-        return false;
-    if (number > 0) {
-        const std::string heirKey = std::exchange(heir.key, row.key);
-        return Check(database_->PutSource(heir)) && Check(database_->DeleteSource(heirKey));
-    }
-    if (living_.Has(row.noteId)) {
-        if (!Check(UnlessDeleted(database_->Delete(row.noteId))))
-            return false;
-        ++report->removed;
-    }
-    return Check(database_->DeleteSource(row.key));
-}
-
-bool EntryStore::Prune(ImportReport* report)
-{
-    std::vector<SourceEntry> gone;
-    if (!ListGone(&gone))
-        return false;
-    for (const SourceEntry& row : gone) {
-        // A row that was moved into a gap meanwhile is found again by its key.
-        std::optional<SourceEntry> current;
-        if (!Find(row.key, &current))
-            return false;
-        if (!current || current->source != source_)
-            continue;
-        if (!BeginWrite() || !PruneRow(*current, report) || !EndWrite())
-            return false;
-    }
+    settled_.insert(identity);
     return true;
+}
+
+bool EntryStore::OfferAgain(const SourceEntryFound& entry, ImportReport* report)
+{
+    std::optional<SourceEntry> known;
+    bool identityKnown = false;
+    if (entry.revision)
+        return true;
+    if (!LetOthersWrite() || !FindContent(entry, &known, &identityKnown))
+        return false;
+    if (known || !identityKnown)
+        return true;  // the first reading settled it, or reported it
+    std::optional<SourceEntry> old;
+    if (!FindReplaceable(entry.identity, &old))
+        return false;
+    setAside_ -= std::min<uint64_t>(setAside_, 1);
+    const std::string key = entry.identity + "#" + entry.digest;
+    if (!old)
+        return WriteNote(entry, {key, source_, {}, 0}, report);
+    if (old->key == entry.identity)
+        return WriteNote(entry, {old->key, source_, {}, old->noteId}, report);
+    return WriteNote(entry, {key, source_, {}, old->noteId}, report, old->key);
 }
 
 bool EntryStore::FinishSource(bool complete, bool prune, ImportReport* report)
 {
-    return BringInSetAside(complete, report) && (!complete || !prune || Prune(report)) && Commit();
+    report->unchanged += std::exchange(setAside_, 0);  // contents that stand in the source more than once
+    return (!complete || !prune || Prune(report)) && Commit();
 }
 
 }  // namespace pavex

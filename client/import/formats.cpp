@@ -1,19 +1,37 @@
 // client/import/formats.cpp: the table of source formats.  A new one is a row.
 #include <algorithm>
 
+#include "client/import/bookmark_reader.h"
+#include "client/import/calendar_reader.h"
+#include "client/import/document_reader.h"
 #include "client/import/mbox_reader.h"
 #include "client/import/message_reader.h"
 #include "client/import/source_reader.h"
+#include "client/import/vcard_reader.h"
+#include "client/import/words.h"
 
 namespace pavex {
 namespace {
 
 constexpr FormatRow kFormats[] = {
     {"mbox", LooksLikeMbox, ReadMbox},  // first: its first line is no header field
+    {"calendar", LooksLikeCalendar, ReadCalendar},
+    {"vcard", LooksLikeVcard, ReadVcards},
+    {"bookmarks", LooksLikeBookmarks, ReadBookmarks},
     {"message", LooksLikeMessage, ReadMessage},
+    {"document", LooksLikeDocument, ReadDocument},  // last: every other kind is text too
 };
 
+constexpr std::string_view kSuffixes[] = {".mbox", ".eml",   ".ics",  ".ical", ".icalendar", ".vcs",
+                                          ".vcf",  ".vcard", ".html", ".htm",  ".txt",       ".md"};
+
 }  // namespace
+
+bool IsNamedAsSource(std::string_view path)
+{
+    return std::any_of(std::begin(kSuffixes), std::end(kSuffixes),
+                       [&](std::string_view suffix) { return EndsWithWord(path, suffix); });
+}
 
 std::span<const FormatRow> Formats()
 {

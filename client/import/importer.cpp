@@ -10,6 +10,7 @@
 #include "client/import/entry_store.h"
 #include "client/import/source_reader.h"
 #include "client/import/source_walk.h"
+#include "client/store/note_link.h"
 
 namespace pavex {
 namespace {
@@ -19,8 +20,13 @@ struct TargetRow {
     const char* file;  // in the data directory
     const char* title;
 };
-constexpr std::array<TargetRow, 1> kTargets = {{
+constexpr std::array<TargetRow, 6> kTargets = {{
     {EntryKind::kMail, "mail.vlt", "Mail"},
+    {EntryKind::kDiscussion, "documents.vlt", "Documents"},
+    {EntryKind::kPerson, "names.vlt", "Contacts"},
+    {EntryKind::kCalendar, "calendar.vlt", "Calendar"},
+    {EntryKind::kDocument, "documents.vlt", "Documents"},
+    {EntryKind::kHistory, kHistoryFile, "History"},
 }};
 
 // The databases of one import; several kinds may share one.
@@ -92,6 +98,50 @@ private:
     std::vector<std::pair<std::string, std::unique_ptr<EntryStore>>> stores_;
 };
 
+// A reading of a source beside the one that brings it in: what that one reports is not reported again.
+class SilentReading : public EntryHandler {
+public:
+    using Take = std::function<bool(const SourceEntryFound& entry)>;
+    using GoOn = std::function<bool(uint64_t bytes)>;
+
+    // threads: the postings that are known already.
+    SilentReading(ThreadIndex threads, Take take, GoOn goOn) : take_(std::move(take)), goOn_(std::move(goOn))
+    {
+        Threads() = std::move(threads);
+    }
+
+    // False when it was ended.
+    bool Read(const std::string& path, const ImportOptions& options)
+    {
+        const WalkHandler handler{[&](const SourceFile& file) {
+                                      const FormatRow* const format = FormatOf(file);
+                                      return format == nullptr || format->read(file, options, *this);
+                                  },
+                                  [](const std::string&, const std::string&) {}};
+        return WalkSource(path, handler);
+    }
+
+    uint64_t FoundCount() const { return found_; }
+
+    bool Found(SourceEntryFound entry) override
+    {
+        ++found_;
+        return take_(entry);
+    }
+    bool Rejected(const std::string&, const std::string&) override { return true; }
+    bool RejectedVersion(EntryKind, const std::string&, const std::string&, const std::string&) override
+    {
+        return true;
+    }
+    void Unreadable(const std::string&, const std::string&) override {}
+    bool Progress(uint64_t bytes) override { return goOn_(bytes); }
+
+private:
+    Take take_;
+    GoOn goOn_;
+    uint64_t found_ = 0;
+};
+
 class ImportRun : public EntryHandler {
 public:
     ImportRun(const ImportOptions& options, const ImportProgressCallback& progress, ImportReport* report)
@@ -112,17 +162,23 @@ public:
             return true;
         done_.push_back(path.string());
         given_ = given;
+        path_ = path.string();
         complete_ = true;
+        found_ = 0;
         state_.source = given;
         state_.bytes = 0;
         state_.totalBytes =
             std::filesystem::is_regular_file(path, failure) ? std::filesystem::file_size(path, failure) : 0;
-        if (!targets_.BeginSource(path.string(), options_.prune))
+        // Mail and a discussion made of one mailbox are two sources: neither loses what the other leaves alone.
+        const bool discussion = options_.as == ImportOptions::As::kDiscussion;
+        if (!targets_.BeginSource(path.string() + (discussion ? " as discussion" : ""), options_.prune))
             return Fail(targets_.Error());
+        if (discussion && !SurveyThreads(path_))
+            return EndEarly();
         const WalkHandler handler{
             [this](const SourceFile& file) { return ReadFile(file); },
             [this](const std::string& where, const std::string& reason) { Unreadable(where, reason); }};
-        const bool finished = WalkSource(path.string(), handler);
+        const bool finished = WalkSource(path.string(), handler) && ReadAgain(path_);
         return finished ? FinishSource() : EndEarly();
     }
 
@@ -134,11 +190,12 @@ public:
         EntryStore* const store = targets_.Of(entry.kind);
         if (store == nullptr)
             return Fail(targets_.Error());
-        const size_t rejected = report_->rejected.size();
+        const Reported before = ReportedSoFar();
         if (!store->Offer(std::move(entry), report_))
             return Fail(store->Error());
-        TakeFailedEntries(rejected);
+        NameSource(before);
         ++state_.entries;
+        ++found_;
         return true;
     }
 
@@ -149,9 +206,24 @@ public:
         return true;
     }
 
+    bool RejectedVersion(EntryKind kind, const std::string& identity, const std::string& where,
+                         const std::string& reason) override
+    {
+        EntryStore* const store = options_.prune ? targets_.Of(kind) : nullptr;
+        if (options_.prune && store == nullptr)
+            return Fail(targets_.Error());
+        if (store != nullptr && !store->KeepHeld(identity))
+            return Fail(store->Error());
+        return Rejected(where, reason);
+    }
+
     void Unreadable(const std::string& where, const std::string& reason) override
     {
         complete_ = false;
+        if (where == path_) {
+            KeepError(given_ + ": " + reason);  // the source itself: nothing of it came in
+            return;
+        }
         report_->rejected.push_back({given_, where, reason});
     }
 
@@ -169,25 +241,74 @@ private:
         const FormatRow* const format = FormatOf(file);
         if (format != nullptr)
             return format->read(file, options_, *this);
+        if (IsNamedAsSource(file.path))
+            complete_ = false;  // it may have held entries before it was damaged
         return Rejected(file.path, file.size == 0 ? "is empty" : "is not of a kind that can be imported");
     }
 
-    // Entries that were found and then could not be read are named by their store's source: the canonical
-    // path.  The user gave another name.
-    void TakeFailedEntries(size_t before)
+    // A posting may stand before the one that it answers: who answers whom is learned before any is brought in.
+    bool SurveyThreads(const std::string& path)
     {
-        for (size_t i = before; i < report_->rejected.size(); ++i) {
+        SilentReading survey(
+            std::move(Threads()), [](const SourceEntryFound&) { return true; },
+            [this](uint64_t) { return Progress(0); });
+        const bool finished = survey.Read(path, options_);
+        Threads() = std::move(survey.Threads());
+        return finished;
+    }
+
+    // Brings in what the first reading set aside.
+    bool ReadAgain(const std::string& path)
+    {
+        bool needed = false;
+        (void)targets_.Each([&](const EntryStore& store) {
+            needed = needed || store.NeedsSecondReading();
+            return true;
+        });
+        if (!needed)
+            return true;
+        state_.bytes = 0;
+        SilentReading reading(
+            Threads(), [this](const SourceEntryFound& entry) { return TakeAgain(entry); },
+            [this](uint64_t bytes) { return Progress(bytes); });
+        const bool finished = reading.Read(path, options_);
+        complete_ = complete_ && reading.FoundCount() == found_;  // else it was changed meanwhile
+        return finished;
+    }
+
+    bool TakeAgain(const SourceEntryFound& entry)
+    {
+        EntryStore* const store = targets_.Of(entry.kind);
+        if (store == nullptr)
+            return Fail(targets_.Error());
+        const Reported before = ReportedSoFar();
+        if (!store->OfferAgain(entry, report_))
+            return Fail(store->Error());
+        NameSource(before);
+        return true;
+    }
+
+    struct Reported {
+        size_t rejected;
+        size_t notices;
+    };
+    Reported ReportedSoFar() const { return {report_->rejected.size(), report_->notices.size()}; }
+
+    // What a store reports names the source by its canonical path.  The user gave another name.
+    void NameSource(const Reported& before)
+    {
+        for (size_t i = before.notices; i < report_->notices.size(); ++i)
+            report_->notices[i].source = given_;
+        for (size_t i = before.rejected; i < report_->rejected.size(); ++i)
             report_->rejected[i].source = given_;
-            complete_ = false;
-        }
     }
 
     bool FinishSource()
     {
-        const size_t rejected = report_->rejected.size();
+        const Reported before = ReportedSoFar();
         if (!targets_.Each([&](EntryStore& store) { return store.FinishSource(complete_, options_.prune, report_); }))
             return Fail(targets_.Error());
-        TakeFailedEntries(rejected);
+        NameSource(before);
         return true;
     }
 
@@ -216,7 +337,9 @@ private:
     Targets targets_;
     std::vector<std::string> done_;  // canonical paths
     std::string given_;              // the source being read, as the user named it
+    std::string path_;               // the same, canonical
     bool complete_ = true;           // all of it could be read
+    uint64_t found_ = 0;             // entries of it
     ImportProgress state_;
     std::string error_;
 };

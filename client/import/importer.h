@@ -19,7 +19,7 @@ struct ImportOptions {
     std::string dataDirectory;  // native path, where the default databases live
 };
 
-// An entry that did not come in.
+// An entry that did not come in, or (as a notice) not with all that it says.
 struct RejectedEntry {
     std::string source;  // as the source was given
     std::string where;   // the file, and in a file of many messages "FILE:byte OFFSET"
@@ -34,6 +34,7 @@ struct ImportReport {
     uint64_t unchanged = 0;
     uint64_t removed = 0;
     std::vector<RejectedEntry> rejected;
+    std::vector<RejectedEntry> notices;  // of entries that were added or updated
 };
 
 struct ImportProgress {

@@ -13,6 +13,7 @@
 #include "client/import/line_reader.h"
 #include "client/import/mail_date.h"
 #include "client/import/message_reader.h"
+#include "client/store/descriptor.h"
 
 namespace pavex {
 namespace {
@@ -156,8 +157,8 @@ bool LooksLikeMbox(const SourceFile& file)
 
 bool ReadMbox(const SourceFile& file, const ImportOptions& options, EntryHandler& handler)
 {
-    const FileOwner descriptor(::open(file.path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY));
-    if (!descriptor) {
+    const Descriptor descriptor(::open(file.path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY));
+    if (!descriptor.IsOpen()) {
         handler.Unreadable(file.path, std::string("cannot be opened: ") + std::strerror(errno));
         return true;
     }

@@ -10,33 +10,11 @@
 #include <fcntl.h>
 
 #include "client/import/line_reader.h"
+#include "client/import/temporary_file.h"
+#include "client/store/descriptor.h"
 
 namespace pavex {
 namespace {
-
-// A nameless file in the folder for temporary files.
-FileOwner OpenTemporaryFile()
-{
-    const char* folder = std::getenv("TMPDIR");
-    std::string path = std::string(folder != nullptr && *folder != '\0' ? folder : "/tmp") + "/import-XXXXXX";
-    FileOwner file(::mkostemp(path.data(), O_CLOEXEC));
-    if (file)
-        ::unlink(path.c_str());
-    return file;
-}
-
-bool WriteAll(int descriptor, std::string_view bytes)
-{
-    while (!bytes.empty()) {
-        const ssize_t count = ::write(descriptor, bytes.data(), bytes.size());
-        if (count < 0 && errno == EINTR)
-            continue;
-        if (count <= 0)
-            return false;
-        bytes.remove_prefix(static_cast<size_t>(count));
-    }
-    return true;
-}
 
 std::string_view Unquoted(std::string_view text)
 {
@@ -87,7 +65,7 @@ bool LiesAsSent(const MessagePlace& place, int descriptor)
     return !LineReader(descriptor, place.start, std::min(place.end, place.start + 65536)).EndsAtCr();
 }
 
-ObjectOwner<GMimeStream> StreamOf(FileOwner file, int64_t start, int64_t end)
+ObjectOwner<GMimeStream> StreamOf(Descriptor file, int64_t start, int64_t end)
 {
     GMimeStream* const stream = g_mime_stream_fs_new_with_bounds(file.Release(), start, end);
     g_mime_stream_fs_set_owner(GMIME_STREAM_FS(stream), TRUE);
@@ -103,15 +81,15 @@ std::string MessagePlace::Where() const
 
 ObjectOwner<GMimeStream> OpenMessage(const MessagePlace& place, std::string* reason)
 {
-    FileOwner file(::open(place.path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY));
-    if (!file) {
+    Descriptor file(::open(place.path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY));
+    if (!file.IsOpen()) {
         *reason = std::string("cannot be opened: ") + std::strerror(errno);
         return nullptr;
     }
     if (LiesAsSent(place, file.Get()))
         return StreamOf(std::move(file), static_cast<int64_t>(place.start), static_cast<int64_t>(ParsedEnd(place)));
-    FileOwner copy = OpenTemporaryFile();
-    if (!copy) {
+    Descriptor copy = OpenTemporaryFile();
+    if (!copy.IsOpen()) {
         *reason = std::string("cannot make a temporary copy: ") + std::strerror(errno);
         return nullptr;
     }

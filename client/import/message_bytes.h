@@ -9,6 +9,7 @@
 
 #include "client/import/message_scan.h"
 #include "client/import/owners.h"
+#include "client/import/thread_index.h"
 
 namespace pavex {
 
@@ -21,7 +22,8 @@ struct MessagePlace {
     int64_t fileDate = 0;                 // modification time of the file
     std::optional<bool> unread;           // as the mailbox has it
     bool draft = false;
-    bool inMailbox = false;  // from an mbox: its lines of ">From " are quoted
+    PostingLevel level = PostingLevel::kTopic;  // in its thread, of a discussion
+    bool inMailbox = false;                     // from an mbox: its lines of ">From " are quoted
     MessageFacts facts;
 
     std::string Where() const;  // for reports: the path, and in a file of many the byte offset

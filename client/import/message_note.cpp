@@ -37,15 +37,19 @@ void AddList(std::string_view item, std::vector<std::string> values, Note* note)
         note->items.push_back(TextListItem(item, values));
 }
 
-const char* FormOf(ImportOptions::As as, bool reply)
+const char* FormOf(const MessageCircumstances& circumstances, bool reply)
 {
-    switch (as) {
-    case ImportOptions::As::kMail:
+    if (circumstances.as == ImportOptions::As::kMail)
         return reply ? "Reply" : "Memo";
-    case ImportOptions::As::kDiscussion:
-        return reply ? "Response" : "MainTopic";
+    switch (circumstances.level) {
+    case PostingLevel::kTopic:
+        return "MainTopic";
+    case PostingLevel::kResponse:
+        return "Response";
+    case PostingLevel::kResponseToResponse:
+        return "ResponseToResponse";
     }
-    return "Memo";
+    return "MainTopic";
 }
 
 // The Date field; failing it the delivery line, then the newest Received field, then the file's time.
@@ -95,11 +99,7 @@ void AddThread(const MessageHeader& header, Note* note)
 Item BodyItem(std::string_view text)
 {
     RichTextBuilder body;
-    while (!text.empty()) {
-        const size_t end = text.find('\n');
-        body.AddParagraph(text.substr(0, end));
-        text.remove_prefix(end == text.npos ? text.size() : end + 1);
-    }
+    body.AddLines(text);
     return RichTextItem("Body", body.Records());
 }
 
@@ -127,7 +127,7 @@ bool ParseMessageNote(GMimeStream* stream, const MessageCircumstances& circumsta
     const bool reply = HasField(header, "In-Reply-To") || HasField(header, "References");
 
     note->items.clear();
-    note->items.push_back(TextItem("Form", FormOf(circumstances.as, reply)));
+    note->items.push_back(TextItem("Form", FormOf(circumstances, reply)));
     AddPeople(header, note);
     note->items.push_back(TextItem("Subject", Utf8Prefix(header.Text("Subject"), kLongestText)));
     const TIMEDATE date = TimeFromUnix(DateOf(header, circumstances));
@@ -149,7 +149,7 @@ bool MakeMessageNote(const MessagePlace& place, ImportOptions::As as, Note* note
     const ObjectOwner<GMimeStream> stream = OpenMessage(place, reason);
     if (!stream)
         return false;
-    const MessageCircumstances circumstances{as, place.deliveryDate, place.fileDate, place.draft};
+    const MessageCircumstances circumstances{as, place.level, place.deliveryDate, place.fileDate, place.draft};
     return ParseMessageNote(stream.get(), circumstances, note, reason);
 }
 

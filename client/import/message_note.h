@@ -16,9 +16,10 @@ namespace pavex {
 // What the mailbox knows of a message beside its bytes.
 struct MessageCircumstances {
     ImportOptions::As as = ImportOptions::As::kMail;
-    std::optional<int64_t> deliveryDate;  // seconds since 1970, of the separator line
-    int64_t fileDate = 0;                 // of the file it lies in
-    bool draft = false;                   // not sent: the note gets no PostedDate
+    PostingLevel level = PostingLevel::kTopic;  // of a posting of a discussion
+    std::optional<int64_t> deliveryDate;        // seconds since 1970, of the separator line
+    int64_t fileDate = 0;                       // of the file it lies in
+    bool draft = false;                         // not sent: the note gets no PostedDate
 };
 
 // Fills the note's items, and its times where the message gives them, from a stream of the message that

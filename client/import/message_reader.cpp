@@ -7,22 +7,17 @@
 #include <memory>
 
 #include <fcntl.h>
-#include <strings.h>
 
 #include "client/import/mail_date.h"
 #include "client/import/message_note.h"
+#include "client/import/words.h"
+#include "client/store/descriptor.h"
 
 namespace pavex {
 namespace {
 
 // A header larger than this would have to be held in memory to be parsed, and says nothing.
 constexpr uint64_t kLargestHeader = uint64_t{16} * 1024 * 1024;
-
-bool HasSuffix(std::string_view path, std::string_view suffix)
-{
-    return path.size() >= suffix.size() &&
-           strncasecmp(path.data() + path.size() - suffix.size(), suffix.data(), suffix.size()) == 0;
-}
 
 // What may stand before the header: a byte order mark, empty lines, a separator line of an mbox.
 bool IsBeforeHeader(const Line& line)
@@ -45,7 +40,8 @@ std::string WhyNoMessage(const MessagePlace& place)
 std::string NoteDigest(const MessagePlace& place, const ImportOptions& options)
 {
     std::string digest = place.facts.digest;
-    digest += options.as == ImportOptions::As::kDiscussion ? "-discussion" : "-mail";
+    digest += options.as == ImportOptions::As::kMail ? "-mail"
+                                                     : "-discussion-" + std::to_string(static_cast<int>(place.level));
     return place.draft ? digest + "-draft" : digest;
 }
 
@@ -53,7 +49,7 @@ std::string NoteDigest(const MessagePlace& place, const ImportOptions& options)
 
 bool LooksLikeMessage(const SourceFile& file)
 {
-    if (file.place == SourceFile::Place::kMaildir || HasSuffix(file.path, ".eml"))
+    if (file.place == SourceFile::Place::kMaildir || EndsWithWord(file.path, ".eml"))
         return true;
     std::string_view head = file.head;
     if (head.starts_with("\xEF\xBB\xBF"))
@@ -89,7 +85,10 @@ bool HandOutMessage(MessagePlace place, const ImportOptions& options, EntryHandl
     if (const std::string reason = WhyNoMessage(place); !reason.empty())
         return handler.Rejected(place.Where(), reason);
     SourceEntryFound entry;
-    entry.kind = EntryKind::kMail;
+    if (options.as == ImportOptions::As::kDiscussion) {
+        entry.kind = EntryKind::kDiscussion;
+        place.level = handler.Threads().Add(place.facts.messageId, place.facts.parentId, place.facts.references);
+    }
     entry.digest = NoteDigest(place, options);
     entry.identity =
         "message:" + (place.facts.messageId.empty() ? "sha256:" + place.facts.digest : place.facts.messageId);
@@ -110,8 +109,8 @@ bool ReadMessage(const SourceFile& file, const ImportOptions& options, EntryHand
     place.fileDate = file.modified;
     place.unread = file.unread;
     place.draft = file.draft;
-    const FileOwner descriptor(::open(file.path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY));
-    if (!descriptor) {
+    const Descriptor descriptor(::open(file.path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY));
+    if (!descriptor.IsOpen()) {
         handler.Unreadable(file.path, std::string("cannot be opened: ") + std::strerror(errno));
         return true;
     }
@@ -147,6 +146,7 @@ bool ReadMessage(const SourceFile& file, const ImportOptions& options, EntryHand
         return true;
     }
     place.facts = scan.Finish();
+    place.facts.deleted = place.facts.deleted || file.deleted;
     return HandOutMessage(std::move(place), options, handler) && handler.Progress(file.size - reported);
 }
 

@@ -8,6 +8,8 @@
 
 #include <strings.h>
 
+#include "client/import/words.h"
+
 namespace pavex {
 namespace {
 
@@ -18,11 +20,6 @@ constexpr uint64_t kMostDashLines = 50000;
 // Longest preamble or epilogue of a multipart message that is parsed, in bytes.
 constexpr uint64_t kLongestOutside = size_t{1024} * 1024;
 
-bool SameName(std::string_view a, const char* b)
-{
-    return a.size() == std::strlen(b) && strncasecmp(a.data(), b, a.size()) == 0;
-}
-
 std::string_view Trimmed(std::string_view text)
 {
     while (!text.empty() && static_cast<unsigned char>(text.front()) <= ' ')
@@ -32,18 +29,39 @@ std::string_view Trimmed(std::string_view text)
     return text;
 }
 
-void TakeMessageId(std::string_view value, MessageFacts* facts)
+// The text between brackets, or all of it where there are none.
+std::string IdOf(std::string_view value)
 {
-    if (!facts->messageId.empty())
-        return;
     const size_t open = value.find('<');
     const size_t close = value.find('>', open == value.npos ? 0 : open);
     if (open != value.npos && close != value.npos)
         value = value.substr(open + 1, close - open - 1);
+    std::string id;
     for (const char c : value.substr(0, kLongestId)) {
         if (static_cast<unsigned char>(c) > ' ')
-            facts->messageId += c;
+            id += c;
     }
+    return id;
+}
+
+void TakeMessageId(std::string_view value, MessageFacts* facts)
+{
+    if (facts->messageId.empty())
+        facts->messageId = IdOf(value);
+}
+
+// The last one is the parent, whatever In-Reply-To says.
+void TakeReferences(std::string_view value, MessageFacts* facts)
+{
+    facts->references = static_cast<int>(std::count(value.begin(), value.end(), '<'));
+    if (facts->references > 0)
+        facts->parentId = IdOf(value.substr(value.rfind('<')));
+}
+
+void TakeInReplyTo(std::string_view value, MessageFacts* facts)
+{
+    if (facts->parentId.empty() && value.find('<') != value.npos)
+        facts->parentId = IdOf(value);
 }
 
 // "R" read, "O" seen by the mail program; as Unix mail programs keep it.
@@ -113,6 +131,8 @@ constexpr FieldRow kFields[] = {
     {"Cc", true, true, Nothing},
     {"Date", true, true, Nothing},
     {"Received", true, true, Nothing},
+    {"References", true, true, TakeReferences},
+    {"In-Reply-To", true, true, TakeInReplyTo},
     {"Return-Path", true, true, Nothing},
     {"Delivered-To", true, true, Nothing},
     {"Subject", true, true, Nothing},
@@ -136,7 +156,7 @@ constexpr FieldRow kFields[] = {
 const FieldRow* FindField(std::string_view name)
 {
     const auto* row = std::find_if(std::begin(kFields), std::end(kFields),
-                                   [&](const FieldRow& each) { return SameName(name, each.name); });
+                                   [&](const FieldRow& each) { return SameWord(name, each.name); });
     return row == std::end(kFields) ? nullptr : row;
 }
 
@@ -250,7 +270,7 @@ void MessageScan::TakeField()
         const std::string_view value = Trimmed(field.substr(field.find(':') + 1));
         if (row != nullptr)
             row->take(value, &facts_);
-        if (SameName(field.substr(0, NameLength(field)), "Content-Type"))
+        if (SameWord(field.substr(0, NameLength(field)), "Content-Type"))
             boundary_ = DelimiterOf(value);
     }
     field_.clear();

@@ -3,24 +3,19 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 
-#include <glib.h>
-
 #include "client/import/line_reader.h"
+#include "client/import/owners.h"
 
 namespace pavex {
 
-struct ChecksumReleaser {
-    void operator()(GChecksum* checksum) const { g_checksum_free(checksum); }
-};
-using ChecksumOwner = std::unique_ptr<GChecksum, ChecksumReleaser>;
-
 struct MessageFacts {
     std::string messageId;       // without brackets; empty: none
+    std::string parentId;        // of the message that it answers
+    int references = 0;          // messages before it in its thread, by its own account
     std::string digest;          // SHA-256 in hex of the canonical bytes
     std::optional<bool> unread;  // by the fields that mailbox programs add; none of them: nothing
     bool draft = false;          // by the same fields

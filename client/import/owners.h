@@ -2,10 +2,8 @@
 #pragma once
 
 #include <memory>
-#include <utility>
 
 #include <glib-object.h>
-#include <unistd.h>
 
 namespace pavex {
 
@@ -20,27 +18,9 @@ struct MemoryReleaser {
 };
 using TextOwner = std::unique_ptr<char, MemoryReleaser>;
 
-// Sole owner of a file descriptor; -1 is none.
-class FileOwner {
-public:
-    explicit FileOwner(int descriptor = -1) noexcept : descriptor_(descriptor) {}
-    FileOwner(FileOwner&& other) noexcept : descriptor_(std::exchange(other.descriptor_, -1)) {}
-    FileOwner& operator=(FileOwner&& other) noexcept
-    {
-        std::swap(descriptor_, other.descriptor_);
-        return *this;
-    }
-    ~FileOwner()
-    {
-        if (descriptor_ >= 0)
-            ::close(descriptor_);
-    }
-    int Get() const noexcept { return descriptor_; }
-    int Release() noexcept { return std::exchange(descriptor_, -1); }
-    explicit operator bool() const noexcept { return descriptor_ >= 0; }
-
-private:
-    int descriptor_;
+struct ChecksumReleaser {
+    void operator()(GChecksum* checksum) const { g_checksum_free(checksum); }
 };
+using ChecksumOwner = std::unique_ptr<GChecksum, ChecksumReleaser>;
 
 }  // namespace pavex

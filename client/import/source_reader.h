@@ -11,12 +11,21 @@
 #include <string_view>
 
 #include "client/import/importer.h"
+#include "client/import/thread_index.h"
 #include "client/store/note.h"
 
 namespace pavex {
 
 // What an entry becomes, and with it the default database.
-enum class EntryKind { kMail };
+enum class EntryKind { kMail, kDiscussion, kPerson, kCalendar, kDocument, kHistory };
+
+// How new a version of an entry is, for entries whose source counts or dates their versions.
+struct Revision {
+    uint32_t sequence = 0;  // counted up by its author at every change that matters
+    std::string changed;    // "YYYYMMDDTHHMMSSZ"; empty: not known
+};
+// By the count, and where that is the same by the time if both have one.
+bool IsOlder(const Revision& a, const Revision& b);
 
 // A file of a source, as the formats see it.
 struct SourceFile {
@@ -32,8 +41,16 @@ struct SourceFile {
     std::string head;            // its first bytes, at most kHeadBytes
     std::optional<bool> unread;  // by the folder it lies in or its name
     bool draft = false;
+    bool deleted = false;  // marked so, only waiting to be purged
 };
 constexpr size_t kHeadBytes = 4096;
+
+// A form that notes of an import are written with: a design note beside them, which says how their window
+// is titled.
+struct FormDefinition {
+    const char* name;
+    const char* windowTitle;  // a formula
+};
 
 // One entry of a source, not yet read further than was needed to know it again.
 struct SourceEntryFound {
@@ -42,8 +59,13 @@ struct SourceEntryFound {
     std::string digest;          // what it says: equal digests make equal notes
     std::string where;           // for reports
     std::optional<bool> unread;  // nothing: the source does not say
-    // Makes the items and times of the note (not its id).  May be called after the file was left, and on
-    // the same thread only.  False with *reason when the entry cannot be read after all.
+    // With a revision there is one note an identity, and its newest version counts; of equally new ones that
+    // of the last import.  Without, different contents of one identity are different notes.
+    std::optional<Revision> revision;
+    const FormDefinition* form = nullptr;  // that the database must hold with the note; of static duration
+    std::string notice;                    // what was left out of the note, for the report; empty: nothing
+    // Makes the items and times of the note (not its id); called at most once, before Found returns.  False with
+    // *reason when the entry cannot be read after all.
     std::function<bool(Note* note, std::string* reason)> make;
 };
 
@@ -51,14 +73,22 @@ struct SourceEntryFound {
 class EntryHandler {
 public:
     virtual ~EntryHandler() = default;
+    // The postings that this import has met.
+    ThreadIndex& Threads() { return threads_; }
     // False: stop reading, the import is being ended.
     virtual bool Found(SourceEntryFound entry) = 0;
     // An entry that is none.
     virtual bool Rejected(const std::string& where, const std::string& reason) = 0;
+    // A bad version of an entry that may have come in before: what is held of it stays.
+    virtual bool RejectedVersion(EntryKind kind, const std::string& identity, const std::string& where,
+                                 const std::string& reason) = 0;
     // A file that could not be read to its end: entries may be missing that are still there.
     virtual void Unreadable(const std::string& where, const std::string& reason) = 0;
     // bytes: read since the last call.
     virtual bool Progress(uint64_t bytes) = 0;
+
+private:
+    ThreadIndex threads_;
 };
 
 struct FormatRow {
@@ -70,6 +100,8 @@ struct FormatRow {
 
 // The formats, in the order in which they are asked.
 std::span<const FormatRow> Formats();
+// True for a file whose name says that it is of one of the formats.
+bool IsNamedAsSource(std::string_view path);
 // The first format that recognises the file; null when none does.
 const FormatRow* FormatOf(const SourceFile& file);
 

@@ -14,14 +14,18 @@
 #include <sys/stat.h>
 
 #include "client/import/owners.h"
+#include "client/store/descriptor.h"
 
 namespace pavex {
 namespace {
 
-// Control files of mail servers and programs, by the beginning or the end of the name.
-constexpr const char* kControlPrefixes[] = {"dovecot",     "courier",       "maildirfolder",
-                                            "maildirsize", "subscriptions", "cyrus."};
-constexpr const char* kControlSuffixes[] = {".msf", ".cmeta", ".ibex.index", ".ibex.index.data", ".index.ids", ".lock"};
+// Control files of mail servers and programs, by the whole name, its beginning or its end.
+constexpr std::string_view kControlNames[] = {"maildirfolder", "maildirsize", "subscriptions"};
+constexpr std::string_view kControlPrefixes[] = {"dovecot.index", "dovecot.list.index", "dovecot.mailbox.log",
+                                                 "dovecot-uid",   "dovecot-keywords",   "dovecot-acl",
+                                                 "courierimap",   "courierpop3",        "cyrus."};
+constexpr std::string_view kControlSuffixes[] = {".msf",       ".cmeta", ".ibex.index", ".ibex.index.data",
+                                                 ".index.ids", ".lock"};
 
 struct FolderCloser {
     void operator()(DIR* folder) const { ::closedir(folder); }
@@ -42,10 +46,11 @@ bool IsFolder(const std::string& path)
 
 bool IsControlFile(std::string_view name)
 {
-    return std::any_of(std::begin(kControlPrefixes), std::end(kControlPrefixes),
-                       [&](const char* prefix) { return name.starts_with(prefix); }) ||
+    return std::find(std::begin(kControlNames), std::end(kControlNames), name) != std::end(kControlNames) ||
+           std::any_of(std::begin(kControlPrefixes), std::end(kControlPrefixes),
+                       [&](std::string_view prefix) { return name.starts_with(prefix); }) ||
            std::any_of(std::begin(kControlSuffixes), std::end(kControlSuffixes),
-                       [&](const char* suffix) { return name.ends_with(suffix); });
+                       [&](std::string_view suffix) { return name.ends_with(suffix); });
 }
 
 class Walk {
@@ -54,9 +59,12 @@ public:
 
     bool Run(const std::string& path)
     {
-        if (!IsFolder(path))
-            return VisitFile(path, SourceFile::Place::kNamed, FolderKind::kPlain);
-        pending_.push_back({path, FolderKind::kPlain});
+        if (!IsFolder(path)) {
+            const FolderKind kind = KindByPlace(path.substr(0, path.rfind('/')));
+            const bool inMaildir = kind != FolderKind::kPlain;
+            return VisitFile(path, inMaildir ? SourceFile::Place::kMaildir : SourceFile::Place::kNamed, kind);
+        }
+        pending_.push_back({path, KindByPlace(path)});
         while (!pending_.empty()) {
             const PendingFolder folder = std::move(pending_.back());
             pending_.pop_back();
@@ -67,6 +75,17 @@ public:
     }
 
 private:
+    // Of a folder that was named itself, not met inside its Maildir.
+    static FolderKind KindByPlace(const std::string& path)
+    {
+        const size_t slash = path.rfind('/');
+        const std::string parent = path.substr(0, slash);
+        const std::string name = slash == path.npos ? std::string() : path.substr(slash + 1);
+        if ((name != "cur" && name != "new") || !IsFolder(parent + "/cur") || !IsFolder(parent + "/new"))
+            return FolderKind::kPlain;
+        return name == "cur" ? FolderKind::kMaildirCur : FolderKind::kMaildirNew;
+    }
+
     bool VisitFolder(const PendingFolder& folder)
     {
         struct stat info {};
@@ -110,8 +129,6 @@ private:
         if (name.starts_with('.') || IsControlFile(name))
             return true;
         const bool inMaildir = kind != FolderKind::kPlain;
-        if (inMaildir && ReadMaildirFlags(name).trashed)
-            return true;
         return VisitFile(path, inMaildir ? SourceFile::Place::kMaildir : SourceFile::Place::kFolder, kind);
     }
 
@@ -121,9 +138,9 @@ private:
         file.path = path;
         file.place = place;
         // Not blocking: a pipe among the files must not hold the import up.
-        const FileOwner descriptor(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK));
+        const Descriptor descriptor(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK));
         struct stat info {};
-        if (!descriptor || ::fstat(descriptor.Get(), &info) != 0) {
+        if (!descriptor.IsOpen() || ::fstat(descriptor.Get(), &info) != 0) {
             handler_.unreadable(path, std::string("cannot be opened: ") + std::strerror(errno));
             return true;
         }
@@ -143,6 +160,7 @@ private:
             const MaildirFlags flags = ReadMaildirFlags(path.substr(path.rfind('/') + 1));
             file.unread = kind == FolderKind::kMaildirNew || !flags.seen;
             file.draft = flags.draft;
+            file.deleted = flags.trashed;
         }
         return handler_.file(file);
     }

@@ -27,7 +27,7 @@ struct WalkHandler {
 //  - A folder with "cur" or "new" in it is a Maildir: the files of both are messages, "tmp" is not looked at,
 //    and its other folders (".Work" and so on) are walked like any folder.  A message without the flag S, and
 //    every one in "new", is unread; one with D is a draft; one with T was deleted by its reader, who only has
-//    not purged it yet, and is passed over in silence.
+//    not purged it yet.  The same when "cur", "new" or a file in them is named itself.
 //  - Names that begin with a dot are no files of a source (keepers and control files of mail programs), nor are
 //    the control files that are known by name, nor empty files in a folder unless named as a mailbox or message.
 //  - Symbolic links are followed; each folder is entered once, whatever links lead to it.

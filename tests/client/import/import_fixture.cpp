@@ -1,6 +1,7 @@
 // tests/client/import/import_fixture.cpp
 #include "tests/client/import/import_fixture.h"
 
+#include <cmath>
 #include <filesystem>
 
 #include "client/store/host.h"
@@ -19,6 +20,10 @@ std::string TextOfItem(const Item& item)
     } else if (const auto times = TimeValues(item)) {
         for (const TIMEDATE& time : *times)
             text += (text.empty() ? "" : "|") + IsoFromTime(time);
+    } else if (const auto number = NumberValue(item)) {
+        text = std::to_string(std::lround(*number));
+    } else if (item.type == kTypeFormula) {
+        text = "formula";
     } else {
         bool damaged = false;
         for (const RichTextPiece& piece : ReadRichText(item.value, &damaged))

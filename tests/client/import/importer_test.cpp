@@ -4,6 +4,8 @@
 #include <filesystem>
 
 #include "client/store/host.h"
+#include <sys/stat.h>
+
 #include "tests/client/import/import_fixture.h"
 
 namespace pavex {
@@ -78,17 +80,18 @@ TEST_F(ImporterTest, TurnsADraftIntoMailWhenItIsSent)
     EXPECT_EQ(Notes().at(0)["PostedDate"], "2007-03-05T12:00:00Z");
 }
 
-TEST_F(ImporterTest, PrunesAlsoWhatTheReaderTrashed)
+TEST_F(ImporterTest, ReportsWhatTheReaderTrashedAndPrunesIt)
 {
     Write("m/cur/1:2,S", Message("1@x", "one"));
     Write("m/cur/2:2,S", Message("2@x", "two"));
     Run({"m"});
     Rename("m/cur/1:2,S", "m/cur/1:2,ST");
-    EXPECT_EQ(Counts(Run({"m"})), "added 0 updated 0 unchanged 1 removed 0 rejected 0");
+    EXPECT_EQ(Counts(Run({"m"})), "added 0 updated 0 unchanged 1 removed 0 rejected 1");
+    EXPECT_EQ(Run({"m"}).rejected[0].reason, "is marked as deleted in its mailbox");
     options_.prune = true;
-    EXPECT_EQ(Counts(Run({"m"})), "added 0 updated 0 unchanged 1 removed 1 rejected 0");
+    EXPECT_EQ(Counts(Run({"m"})), "added 0 updated 0 unchanged 1 removed 1 rejected 1");
     Remove("m/cur/2:2,S");
-    EXPECT_EQ(Counts(Run({"m"})), "added 0 updated 0 unchanged 0 removed 1 rejected 0");
+    EXPECT_EQ(Counts(Run({"m"})), "added 0 updated 0 unchanged 0 removed 1 rejected 1");
     EXPECT_EQ(Subjects(), Found{});
 }
 
@@ -102,14 +105,54 @@ TEST_F(ImporterTest, UpdatesAChangedMailbox)
     EXPECT_EQ(Subjects(), (Found{"two, corrected", "three"}));
 }
 
-TEST_F(ImporterTest, MakesADiscussionOfTheSameMessages)
+TEST_F(ImporterTest, MakesADiscussionByThreads)
 {
-    Write("box", kFrom + Message("1@x", "one") + "\n" + kFrom + "In-Reply-To: <1@x>\n" + Message("2@x", "Re: one"));
-    Run({"box"});
+    const auto posting = [](const std::string& id, const std::string& header) {
+        return kFrom + header + Message(id, id) + "\n";
+    };
+    Write("box", posting("1@x", "") + posting("2@x", "In-Reply-To: <1@x>\n") +
+                     posting("3@x", "In-Reply-To: your message of Monday <2@x>\n") +
+                     posting("4@x", "References: <1@x>\nIn-Reply-To: <2@x>\n") +
+                     posting("5@x", "References: <0@x> <gone@x>\n") + posting("6@x", "References: <gone@x>\n"));
     options_.as = ImportOptions::As::kDiscussion;
-    EXPECT_EQ(Counts(Run({"box"})), "added 0 updated 2 unchanged 0 removed 0 rejected 0");
-    EXPECT_EQ(Notes().at(0)["Form"], "MainTopic");
-    EXPECT_EQ(Notes().at(1)["Form"], "Response");
+    EXPECT_EQ(Counts(Run({"box"})), "added 6 updated 0 unchanged 0 removed 0 rejected 0");
+    options_.into = options_.dataDirectory + "/documents.vlt";
+    std::vector<std::string> forms;
+    for (NoteText& note : Notes())
+        forms.push_back(note["Form"]);
+    EXPECT_EQ(forms,
+              (Found{"MainTopic", "Response", "ResponseToResponse", "Response", "ResponseToResponse", "Response"}));
+    EXPECT_EQ(Counts(Run({"box"})), "added 0 updated 0 unchanged 6 removed 0 rejected 0");
+}
+
+TEST_F(ImporterTest, PlacesPostingsThatStandBeforeTheirParents)
+{
+    const auto posting = [](const std::string& id, const std::string& header) {
+        return kFrom + header + Message(id, id) + "\n";
+    };
+    Write("box", posting("3@x", "In-Reply-To: <2@x>\n") + posting("2@x", "In-Reply-To: <1@x>\n") + posting("1@x", ""));
+    options_.as = ImportOptions::As::kDiscussion;
+    EXPECT_EQ(Counts(Run({"box"})), "added 3 updated 0 unchanged 0 removed 0 rejected 0");
+    options_.into = options_.dataDirectory + "/documents.vlt";
+    std::vector<std::string> forms;
+    for (NoteText& note : Notes())
+        forms.push_back(note["Form"]);
+    EXPECT_EQ(forms, (Found{"ResponseToResponse", "Response", "MainTopic"}));
+    EXPECT_EQ(Counts(Run({"box"})), "added 0 updated 0 unchanged 3 removed 0 rejected 0");
+}
+
+TEST_F(ImporterTest, MakesMailAndADiscussionOfTheSameMessages)
+{
+    Write("box", kFrom + Message("1@x", "one"));
+    Run({"box"});
+    EXPECT_EQ(Notes().at(0)["Form"], "Memo");
+    options_.as = ImportOptions::As::kDiscussion;
+    EXPECT_EQ(Counts(Run({"box"})), "added 1 updated 0 unchanged 0 removed 0 rejected 0");
+    options_.into = options_.dataDirectory + "/mail.vlt";
+    options_.prune = true;
+    EXPECT_EQ(Counts(Run({"box"})), "added 1 updated 0 unchanged 0 removed 0 rejected 0");
+    EXPECT_EQ(Notes().at(0)["Form"], "Memo");
+    EXPECT_EQ(Notes().at(1)["Form"], "MainTopic");
 }
 
 TEST_F(ImporterTest, ReadsASourceNamedTwiceOnce)
@@ -126,6 +169,33 @@ TEST_F(ImporterTest, FailsOnASourceThatIsNotThereAndReadsTheOthers)
     EXPECT_FALSE(Import({home_ / "none", home_ / "a.eml"}, options_, {}, &report, &error));
     EXPECT_EQ(error, (home_ / "none") + ": cannot be read: No such file or directory");
     EXPECT_EQ(report.added, 1U);
+}
+
+TEST_F(ImporterTest, FailsOnASourceThatCannotBeReadAndReadsTheOthers)
+{
+    ASSERT_EQ(::mkfifo((home_ / "pipe").c_str(), 0600), 0);
+    Write("a.eml", Message("1@x", "one"));
+    ImportReport report;
+    std::string error;
+    EXPECT_FALSE(Import({home_ / "pipe", home_ / "a.eml"}, options_, {}, &report, &error));
+    EXPECT_EQ(error, (home_ / "pipe") + ": is neither a file nor a folder");
+    EXPECT_EQ(Counts(report), "added 1 updated 0 unchanged 0 removed 0 rejected 0");
+}
+
+TEST_F(ImporterTest, UpdatesManyChangedMessagesEachOnce)
+{
+    const auto box = [](const std::string& suffix) {
+        std::string text;
+        for (int i = 0; i < 300; ++i)
+            text += kFrom + Message(std::to_string(i / 2) + "@x", std::to_string(i) + suffix) + "\n";
+        return text;
+    };
+    Write("box", box(""));
+    EXPECT_EQ(Counts(Run({"box"})), "added 300 updated 0 unchanged 0 removed 0 rejected 0");
+    Write("box", box(" changed") + box(" changed"));
+    EXPECT_EQ(Counts(Run({"box"})), "added 0 updated 300 unchanged 300 removed 0 rejected 0");
+    EXPECT_EQ(Counts(Run({"box"})), "added 0 updated 0 unchanged 600 removed 0 rejected 0");
+    EXPECT_EQ(Subjects().size(), 300U);
 }
 
 TEST_F(ImporterTest, FailsOnATargetThatIsNoDatabase)

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "client/import/owners.h"
+#include "client/store/descriptor.h"
 #include "tests/support/temporary_directory.h"
 
 namespace pavex {
@@ -19,7 +20,7 @@ std::vector<std::string> LinesOf(const std::string& content, uint64_t start = 0,
 {
     const TemporaryDirectory folder;
     WriteWholeFile(folder / "file", content);
-    const FileOwner file(::open((folder / "file").c_str(), O_RDONLY | O_CLOEXEC));
+    const Descriptor file(::open((folder / "file").c_str(), O_RDONLY | O_CLOEXEC));
     LineReader reader(file.Get(), start, std::min<uint64_t>(end, content.size()));
     std::vector<std::string> lines;
     Line line;
@@ -78,7 +79,7 @@ TEST(LineReader, HandsOutLongLinesInPieces)
 TEST(LineReader, TellsAReadErrorFromTheEnd)
 {
     const TemporaryDirectory folder;
-    const FileOwner notAFile(::open(folder.Path().c_str(), O_RDONLY | O_CLOEXEC));
+    const Descriptor notAFile(::open(folder.Path().c_str(), O_RDONLY | O_CLOEXEC));
     LineReader reader(notAFile.Get(), 0, 100);
     Line line;
     EXPECT_FALSE(reader.Next(&line));

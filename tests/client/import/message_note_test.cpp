@@ -51,14 +51,17 @@ TEST(MessageNote, IsAMemoUnlessItAnswers)
     EXPECT_EQ(TextOfNote(Parse("References:\n\n"))["Form"], "Memo");
 }
 
-TEST(MessageNote, IsATopicOrResponseInADiscussion)
+TEST(MessageNote, IsATopicOrAResponseByItsLevelInADiscussion)
 {
     MessageCircumstances discussion;
     discussion.as = ImportOptions::As::kDiscussion;
     const Note topic = Parse("Subject: x\nDate: Mon, 5 Mar 2007 12:00:00 +0000\n\n", discussion);
     EXPECT_EQ(TextOfNote(topic)["Form"], "MainTopic");
     EXPECT_EQ(IsoFromTime(topic.created), "2007-03-05T12:00:00Z");
+    discussion.level = PostingLevel::kResponse;
     EXPECT_EQ(TextOfNote(Parse("In-Reply-To: <1@x>\n\n", discussion))["Form"], "Response");
+    discussion.level = PostingLevel::kResponseToResponse;
+    EXPECT_EQ(TextOfNote(Parse("In-Reply-To: <1@x>\n\n", discussion))["Form"], "ResponseToResponse");
 }
 
 TEST(MessageNote, NamesNoPrincipalThatIsTheAuthor)

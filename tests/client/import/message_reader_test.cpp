@@ -43,7 +43,7 @@ TEST_F(MessageReaderTest, ReadsFoldersOfMessagesAndReportsTheRest)
 {
     Write("mail/a.eml", Message("1@x", "one"));
     Write("mail/deep/er/b", "\n\n" + Message("2@x", "two"));
-    Write("mail/notes.txt", "just notes\n");
+    Write("mail/notes.dat", "just notes\n");
     Write("mail/broken.eml", "no header\n");
     Write("mail/empty.eml", "");
     Write("mail/cr.eml", "Subject: three\rFrom: a@example.org\r\rline\rline\r");
@@ -57,7 +57,7 @@ TEST_F(MessageReaderTest, ReadsFoldersOfMessagesAndReportsTheRest)
         rejected.push_back(entry.where.substr(Source("mail/").size()) + ": " + entry.reason);
     EXPECT_EQ(rejected,
               (std::vector<std::string>{"broken.eml: is not a message: it has no header fields", "empty.eml: is empty",
-                                        "notes.txt: is not of a kind that can be imported"}));
+                                        "notes.dat: is not of a kind that can be imported"}));
 }
 
 TEST_F(MessageReaderTest, RejectsAHeaderThatWouldFillMemory)

@@ -22,7 +22,7 @@ protected:
         WriteWholeFile(path.string(), content);
     }
 
-    // Paths below the folder, with "unread" and "draft" after those that are known to be.
+    // Paths below the folder, with "unread" and "draft" after those that are known to be, and "deleted".
     std::vector<std::string> Walk(const std::string& start = "")
     {
         std::vector<std::string> found;
@@ -30,7 +30,7 @@ protected:
         const WalkHandler handler{[&](const SourceFile& file) {
                                       found.push_back(file.path.substr(prefix) +
                                                       (file.unread == true ? " unread" : "") +
-                                                      (file.draft ? " draft" : ""));
+                                                      (file.draft ? " draft" : "") + (file.deleted ? " deleted" : ""));
                                       return true;
                                   },
                                   [&](const std::string& path, const std::string& reason) {
@@ -65,7 +65,26 @@ TEST_F(SourceWalkTest, ReadsTheFlagsOfAMaildir)
                              "m/cur/7;2,RS", "m/cur/8", "m/tmp/9", "m/.Work/cur/1:2,"})
         Write(name);
     EXPECT_EQ(Walk(), (Found{"m/.Work/cur/1:2, unread", "m/cur/3:2,S", "m/cur/4:2, unread", "m/cur/5:2,DS draft",
-                             "m/cur/7;2,RS", "m/cur/8 unread", "m/new/1 unread", "m/new/2:2,S unread"}));
+                             "m/cur/6:2,ST deleted", "m/cur/7;2,RS", "m/cur/8 unread", "m/new/1 unread",
+                             "m/new/2:2,S unread"}));
+}
+
+TEST_F(SourceWalkTest, ReadsTheFlagsOfAMaildirAlsoByItsParts)
+{
+    for (const char* name : {"m/new/1", "m/cur/2:2,", "m/cur/3:2,S", "other/cur"})
+        Write(name);
+    EXPECT_EQ(Walk("m/cur"), (Found{"m/cur/2:2, unread", "m/cur/3:2,S"}));
+    EXPECT_EQ(Walk("m/new"), (Found{"m/new/1 unread"}));
+    EXPECT_EQ(Walk("m/cur/2:2,"), (Found{"m/cur/2:2, unread"}));
+    EXPECT_EQ(Walk("other/cur"), (Found{"other/cur"}));
+}
+
+TEST_F(SourceWalkTest, TakesFilesThatAreOnlyNamedLikeControlFiles)
+{
+    const Found names = {"courier.eml", "dovecot-migration.eml", "dovecot.eml", "maildirsize.eml", "subscriptions.eml"};
+    for (const std::string& name : names)
+        Write(name);
+    EXPECT_EQ(Walk(), names);
 }
 
 TEST_F(SourceWalkTest, PassesOverKeepersAndControlFiles)

@@ -5,13 +5,15 @@
 
 Members: source, index (in an mbox, from 0), message_id, from, sender, to, cc, bcc, reply_to (lists of display
 forms, "Ann Lee <ann@example.org>"), subject, date (seconds since 1970, null when there is none to read), draft,
-unread, text (the plain texts shown in line, in order), html (true when there is only HTML), flowed, attachments.
+unread, text (the plain texts shown in line, in order), html (true when there is only HTML), html_words (those of its
+text and of its pictures), flowed, attachments.
 """
 
 import datetime
 import email
 import email.header
 import email.utils
+import html.parser
 import json
 import os
 import pathlib
@@ -101,6 +103,28 @@ def text_of(leaf):
     return decode(leaf.get_payload(decode=True) or b"", leaf.get_content_charset() or "utf-8")
 
 
+class HtmlText(html.parser.HTMLParser):
+    SILENT, INLINE = {"title", "style", "script"}, {"a", "b", "em", "i", "span"}
+
+    def __init__(self, leaf):
+        super().__init__()
+        self.text, self.silent = "", 0
+        raw = leaf.get_payload(decode=True)
+        said = re.search(rb"charset=([\w-]+)", raw)
+        self.feed(decode(raw, said[1].decode() if said else leaf.get_content_charset() or "utf-8"))
+
+    def handle_starttag(self, tag, attributes):
+        self.silent += tag in self.SILENT
+        self.text += ("" if tag in self.INLINE else " ") + (dict(attributes).get("alt") or "")
+
+    def handle_endtag(self, tag):
+        self.silent -= tag in self.SILENT
+        self.text += "" if tag in self.INLINE else " "
+
+    def handle_data(self, data):
+        self.text += "" if self.silent else data
+
+
 def file_names(message):
     names = []
     for part in message.walk():
@@ -127,6 +151,7 @@ def describe(raw, source, index=0, flags=None):
         "unread": None if flags is None else "S" not in flags,
         "text": [text_of(leaf) for leaf in plain],
         "html": not plain and bool(leaves),
+        "html_words": [] if plain else [word for leaf in leaves for word in HtmlText(leaf).text.split()],
         "flowed": any(leaf.get_param("format") == "flowed" for leaf in plain),
         "attachments": file_names(message),
     }
