@@ -1,0 +1,32 @@
+// client/search/index_lock.cpp: who may read or change the search engine's index of a home.
+#include "client/search/index_lock.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+
+namespace pavex {
+
+Descriptor LockIndex(const SearchFolders& folders, bool isAlone, std::string* error)
+{
+    // beside the folder, which is made anew when the settings change
+    const std::string path = folders.home + ".lock";
+    std::error_code failed;
+    std::filesystem::create_directories(std::filesystem::path(path).parent_path(), failed);
+    Descriptor lock(open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, S_IRUSR | S_IWUSR));
+    while (lock.IsOpen() && flock(lock.Get(), isAlone ? LOCK_EX : LOCK_SH) != 0) {
+        if (errno == EINTR)
+            continue;
+        *error = "cannot lock " + path + ": " + std::strerror(errno);
+        return Descriptor();
+    }
+    if (!lock.IsOpen())
+        *error = "cannot make " + path + ": " + std::strerror(errno);
+    return lock;
+}
+
+}  // namespace pavex

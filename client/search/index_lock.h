@@ -1,0 +1,15 @@
+// client/search/index_lock.h: who may read or change the search engine's index of a home.
+#pragma once
+
+#include <string>
+
+#include "client/search/configuration.h"
+#include "client/store/descriptor.h"
+
+namespace pavex {
+
+// Waits for the lock, which is held until the descriptor is closed: alone for changing the index, with others for
+// reading it.  Makes the folders above the index.  Not open, with *error, when that cannot be done.
+Descriptor LockIndex(const SearchFolders& folders, bool isAlone, std::string* error);
+
+}  // namespace pavex

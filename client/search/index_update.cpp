@@ -1,0 +1,91 @@
+// client/search/index_update.cpp: keeps the search engine's index up to date.
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <ctime>
+#include <filesystem>
+
+#include "client/search/file_text.h"
+#include "client/search/index_lock.h"
+#include "client/search/process.h"
+#include "client/search/search_index.h"
+#include "client/search/tool_failure.h"
+#include "client/store/descriptor.h"
+
+namespace pavex {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// A metafile is written beside and renamed, so its folder's time changes whenever a file comes, changes or goes.
+struct FolderTimes {
+    std::string text;  // every folder with its time: equal means that nothing changed
+    std::time_t newest = 0;
+};
+
+FolderTimes ReadFolderTimes(const std::string& root)
+{
+    std::vector<std::string> folders = {root};
+    std::error_code failed;
+    for (fs::directory_iterator entry(root, failed), end; !failed && entry != end; entry.increment(failed))
+        folders.push_back(entry->path().string());
+    std::ranges::sort(folders);
+    FolderTimes times;
+    for (const std::string& folder : folders) {
+        struct stat about {};
+        if (stat(folder.c_str(), &about) != 0)
+            continue;
+        times.newest = std::max(times.newest, about.st_mtim.tv_sec);
+        times.text +=
+            folder + "\t" + std::to_string(about.st_mtim.tv_sec) + "." + std::to_string(about.st_mtim.tv_nsec) + "\n";
+    }
+    return times;
+}
+
+// The engine knows a changed file by its size and the second of its change: a file that is read must not change
+// in that same second again.
+void LetTheSecondPass(std::time_t newest)
+{
+    constexpr long kNanoseconds = 1000000000;
+    timespec now{};
+    clock_gettime(CLOCK_REALTIME, &now);
+    if (newest != now.tv_sec)
+        return;
+    const timespec rest{0, kNanoseconds - now.tv_nsec};
+    nanosleep(&rest, nullptr);
+}
+
+}  // namespace
+
+bool HasMetafiles(const SearchFolders& folders)
+{
+    std::error_code failed;
+    for (fs::recursive_directory_iterator entry(folders.metadata, failed), end; !failed && entry != end;
+         entry.increment(failed))
+        if (entry->path().extension().string().starts_with(".vPavex"))
+            return true;
+    return false;
+}
+
+bool UpdateIndex(const SearchFolders& folders, std::string* error)
+{
+    const Descriptor lock = LockIndex(folders, true, error);
+    if (!lock.IsOpen() || !WriteConfiguration(folders, error))
+        return false;
+    const std::string upToDate = folders.home + "/up-to-date";
+    const FolderTimes times = ReadFolderTimes(folders.metadata);
+    if (ReadFileText(upToDate) == times.text)
+        return true;
+    LetTheSecondPass(times.newest);
+    if (DescribeFailure("recollindex", RunProcess({"recollindex", "-c", folders.home}), error))
+        return false;
+    if (ReplaceFile(upToDate, times.text))
+        return true;
+    *error = "cannot write " + upToDate + ": " + std::strerror(errno);
+    return false;
+}
+
+}  // namespace pavex

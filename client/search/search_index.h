@@ -1,0 +1,45 @@
+// client/search/search_index.h: the search engine's index of one home: kept up to date, and asked.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "client/search/configuration.h"
+#include "client/search/kinds.h"
+
+namespace pavex {
+
+struct SearchHit {
+    const SearchKind* kind = nullptr;
+    std::string url;
+    std::string title;
+    std::string stamp;                // of the note's date, as StampFromUnix prints it; empty: none
+    std::vector<std::string> people;  // authors, then recipients
+    std::string metafile;             // native path
+};
+
+struct SearchAnswer {
+    std::vector<SearchHit> hits;     // newest first
+    std::vector<std::string> terms;  // what was looked for, as the index has it
+};
+
+// True when there is a metafile.
+bool HasMetafiles(const SearchFolders& folders);
+
+// Writes the settings and reads new and changed metafiles into the index; nothing is started when no folder
+// changed since the last time.  Waits while another process does the same.  False, with *error.
+bool UpdateIndex(const SearchFolders& folders, std::string* error);
+
+// query: from BuildQuery.  language: from StemmingLanguage.  Waits while the index is being
+// brought up to date.  False, with *error; no hit is no failure.
+bool AskIndex(const SearchFolders& folders, const std::string& query, const std::string& language, unsigned limit,
+              SearchAnswer* answer, std::string* error);
+
+// The hits in what the engine printed: for tests.
+SearchAnswer ReadAnswer(const std::string& output);
+
+// The entries of a list of people: parts between commas, quoted ones left whole.
+std::vector<std::string> SplitPeople(const std::string& list);
+
+}  // namespace pavex

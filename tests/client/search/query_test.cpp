@@ -1,0 +1,124 @@
+// tests/client/search/query_test.cpp: what a request becomes in the search engine's language.
+#include "client/search/query.h"
+
+#include <gtest/gtest.h>
+
+namespace pavex {
+namespace {
+
+const std::set<std::string> kFields = {"author", "due", "place", "title"};
+
+std::string QueryOf(const std::vector<std::string>& words)
+{
+    SearchRequest request;
+    request.words = words;
+    return BuildQuery(request, kFields);
+}
+
+TEST(Query, GivesNoSignOfAWordAMeaningForTheEngine)
+{
+    struct Row {
+        const char* word;
+        const char* query;
+    };
+    constexpr Row kRows[] = {
+        {"zebra", R"("zebra")"},
+        {"Zebra", R"("zebra")"},
+        {"ÄPFEL", R"("äpfel")"},
+        {"İ", "\"i̇\""},
+        {"東京", R"("東京")"},
+        {"red stripes", R"("red stripes"l)"},
+        {" red\tstripes\n", R"("red stripes"l)"},
+        {"\"quoted\"", R"("quoted")"},
+        {"a\"b", R"("a b"l)"},
+        {"back\\slash", R"("back slash"l)"},
+        {"(zebra", R"("(zebra")"},
+        {"zebra)", "\"zebra)\""},
+        {"-zebra", R"("-zebra")"},
+        {"OR", R"("or")"},
+        {"AND", R"("and")"},
+        {"ann@example.org", R"("ann@example.org")"},
+        {"http://example.org/", R"("http://example.org/")"},
+        {"C++", R"("c++")"},
+        {"2007-03-05", R"("2007-03-05")"},
+        {"zeb*", "zeb*"},
+        {"*bra", R"("bra")"},
+        {"ze*ra", R"("ze ra"l)"},
+        {"z?bra", R"("z bra"l)"},
+        {"[a-z]bra", R"("a-z bra"l)"},
+        {"red zeb*", R"("red zeb"l)"},
+        {"a.b*", R"("a.b")"},
+        {"😀", R"("😀")"},
+        {"title:zebra", R"(title:"zebra")"},
+        {"title:red stripes", R"(title:"red stripes"l)"},
+        {"title:zeb*", "title:zeb*"},
+        {"due:2007-03-05", R"(due:"2007-03-05")"},
+        {"Title:zebra", R"("title:zebra")"},
+        {"nofield:zebra", R"("nofield:zebra")"},
+        {"mime:text", R"("mime:text")"},
+        {":zebra", R"(":zebra")"},
+        {"title:", ""},
+        {"title:\"", ""},
+        {"", ""},
+        {" ", ""},
+        {"*", ""},
+        {"\"\"", ""},
+        {"()", ""},
+        {"!!!", ""},
+    };
+    for (const auto& [word, query] : kRows)
+        EXPECT_EQ(QueryOf({word}), query) << word;
+}
+
+TEST(Query, AsksForAllWordsThatHoldAnything)
+{
+    EXPECT_EQ(QueryOf({"red", "--", "title:zebra", "black white"}), R"("red" title:"zebra" "black white"l)");
+}
+
+TEST(Query, NarrowsWordsByKindAuthorAndTime)
+{
+    SearchRequest request;
+    request.words = {"zebra"};
+    request.kind = FindKindByName("task");
+    EXPECT_EQ(BuildQuery(request, kFields), R"("zebra" mime:application/x-pavex-task)");
+    request.kind = nullptr;
+    request.from = "Ann  O\"Neil *";
+    EXPECT_EQ(BuildQuery(request, kFields), R"("zebra" author:"ann" author:"o neil"l)");
+    request.from.clear();
+    request.after = 1173103200;  // 2007-03-05T14:00:00Z
+    EXPECT_EQ(BuildQuery(request, kFields), R"("zebra" pavexdate:20070305140000..)");
+    request.before = 1173103201;
+    EXPECT_EQ(BuildQuery(request, kFields), R"("zebra" pavexdate:20070305140000..20070305140000)");
+    request.after.reset();
+    EXPECT_EQ(BuildQuery(request, kFields), R"("zebra" pavexdate:..20070305140000)");
+}
+
+TEST(Query, IsEmptyWithoutAWordWhateverElseIsAskedFor)
+{
+    SearchRequest request;
+    request.words = {"?"};
+    request.kind = FindKindByName("task");
+    request.from = "ann";
+    EXPECT_EQ(BuildQuery(request, kFields), "");
+}
+
+TEST(Query, TakesTheFormsOfWordsFromTheUsersFirstLanguage)
+{
+    EXPECT_EQ(StemmingLanguage({}), "english");
+    EXPECT_EQ(StemmingLanguage({"de_AT", "en"}), "german");
+    EXPECT_EQ(StemmingLanguage({"fr-CA"}), "french");
+    EXPECT_EQ(StemmingLanguage({"es"}), "spanish");
+    EXPECT_EQ(StemmingLanguage({"ja", "en"}), "");
+}
+
+TEST(Query, StampsReadBackAsTheSameTime)
+{
+    for (const int64_t seconds : {int64_t{0}, int64_t{1173103200}, int64_t{-2171836800}, int64_t{4102444799}})
+        EXPECT_EQ(UnixFromStamp(StampFromUnix(seconds)), seconds) << StampFromUnix(seconds);
+    EXPECT_EQ(StampFromUnix(1173103200), "20070305140000");
+    for (const char* none : {"", "2007030514000", "2007030514000x", "200703051400000"})
+        EXPECT_FALSE(UnixFromStamp(none)) << none;
+}
+
+}  // namespace
+}  // namespace pavex
