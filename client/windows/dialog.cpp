@@ -9,6 +9,7 @@
 #include "client/store/charset.h"
 #include "client/windows/command_handles.h"
 #include "client/windows/dialog_resources.h"
+#include "client/windows/resource_text.h"
 #include "client/windows/window_table.h"
 
 namespace pavex {
@@ -62,8 +63,8 @@ uint64_t SteadyMilliseconds()
 }
 
 Dialog::Dialog(const DialogResource& resource, DialogProcedure procedure)
-    : window_(RegisterWindow(this, 0)), title_(resource.title), defaultButton_(resource.defaultButton),
-      cancelButton_(resource.cancelButton), procedure_(procedure)
+    : window_(RegisterWindow(this, 0)), title_(ResourceText(resource.number, {}, resource.title)),
+      defaultButton_(resource.defaultButton), cancelButton_(resource.cancelButton), procedure_(procedure)
 {
     controls_.reserve(resource.controls.size());
     for (const ControlRow& row : resource.controls) {
@@ -71,7 +72,7 @@ Dialog::Dialog(const DialogResource& resource, DialogProcedure procedure)
         control.id = row.id;
         control.kind = row.kind;
         control.name = row.name;
-        control.text = row.text;
+        control.text = ScsFromUtf8(ResourceText(resource.number, row.id, row.text));
         control.handle = RegisterWindow(this, row.id);
         controls_.push_back(std::move(control));
     }

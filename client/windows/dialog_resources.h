@@ -1,4 +1,5 @@
 // client/windows/dialog_resources.h: the dialogs the client knows, each a table of controls.
+// The texts here are English; resource_text.h finds their translations.
 #pragma once
 
 #include <span>

@@ -11,16 +11,30 @@
 
 namespace pavex {
 
-bool InputLineReader::TakeLine(std::string* line)
+void InputLineReader::PassOver()
 {
     const size_t end = pending_.find('\n');
-    if (end == std::string::npos && (!ended_ || pending_.empty()))
-        return false;
+    passingOver_ = end == std::string::npos;
+    pending_.erase(0, passingOver_ ? pending_.size() : end + 1);
+}
+
+// A line or one that is too long; none while more must come, or at the end.
+std::optional<InputLineReader::Outcome> InputLineReader::TakeLine(std::string* line)
+{
+    if (passingOver_)
+        PassOver();
+    const size_t end = std::min(pending_.find('\n'), pending_.size());
+    if (end > kMostLineBytes) {
+        PassOver();
+        return Outcome::TooLong;
+    }
+    if (end == pending_.size() && (!ended_ || pending_.empty()))
+        return std::nullopt;
     *line = pending_.substr(0, end);
-    pending_.erase(0, end == std::string::npos ? pending_.size() : end + 1);
+    pending_.erase(0, end + 1);
     if (!line->empty() && line->back() == '\r')
         line->pop_back();
-    return true;
+    return Outcome::Line;
 }
 
 InputLineReader::Outcome InputLineReader::Read(std::optional<uint64_t> timeoutMs, std::string* line)
@@ -28,7 +42,9 @@ InputLineReader::Outcome InputLineReader::Read(std::optional<uint64_t> timeoutMs
     const uint64_t start = SteadyMilliseconds();
     if (descriptor_ < 0)
         ended_ = true;
-    while (!TakeLine(line)) {
+    for (;;) {
+        if (const std::optional<Outcome> taken = TakeLine(line))
+            return *taken;
         if (ended_)
             return Outcome::Ended;
         int wait = -1;
@@ -51,7 +67,6 @@ InputLineReader::Outcome InputLineReader::Read(std::optional<uint64_t> timeoutMs
         else
             ended_ = count == 0 || errno != EINTR;
     }
-    return Outcome::Line;
 }
 
 }  // namespace pavex

@@ -83,6 +83,10 @@ void TextFrontEnd::RunSession(Dialog& dialog)
             if (!dialog.Ended())
                 Messages() << "> " << std::flush;
             break;
+        case InputLineReader::Outcome::TooLong:
+            Messages() << "a command has at most " << InputLineReader::kMostLineBytes
+                       << " bytes; this one is passed over\n> " << std::flush;
+            break;
         case InputLineReader::Outcome::TimedOut:
             break;
         case InputLineReader::Outcome::Ended:

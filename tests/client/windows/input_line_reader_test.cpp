@@ -1,11 +1,16 @@
 // tests/client/windows/input_line_reader_test.cpp
 #include "client/windows/input_line_reader.h"
 
+#include <fcntl.h>
 #include <unistd.h>
+
+#include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
 #include "tests/client/windows/test_pipe.h"
+#include "tests/support/temporary_directory.h"
 
 namespace {
 
@@ -37,6 +42,34 @@ TEST(InputLineReader, StopsWaitingAtTheLimitAndKeepsWhatItHas)
     pipe.Write("f\n");
     EXPECT_EQ(reader.Read(10, &line), Outcome::Line);
     EXPECT_EQ(line, "half");
+}
+
+// What the reader makes of a file's bytes: lines, or "too long".
+std::vector<std::string> ReadAllLines(const std::string& bytes)
+{
+    TemporaryDirectory folder;
+    WriteWholeFile(folder / "input", bytes);
+    const int file = open((folder / "input").c_str(), O_RDONLY | O_CLOEXEC);
+    pavex::InputLineReader reader(file);
+    std::vector<std::string> lines;
+    std::string line;
+    for (Outcome outcome; (outcome = reader.Read(std::nullopt, &line)) != Outcome::Ended;)
+        lines.push_back(outcome == Outcome::TooLong ? "too long" : line);
+    close(file);
+    return lines;
+}
+
+TEST(InputLineReader, PassesOverALineOfMoreThan64KilobytesAndNoOther)
+{
+    const std::string longest(pavex::InputLineReader::kMostLineBytes, 'x');
+    EXPECT_EQ(ReadAllLines("a\n" + longest + "\nb\n"), (std::vector<std::string>{"a", longest, "b"}));
+    for (const size_t more : {1, 4000, 4096, 300000})
+        EXPECT_EQ(ReadAllLines("a\n" + longest + std::string(more, 'y') + "\nb\n"),
+                  (std::vector<std::string>{"a", "too long", "b"}))
+            << more;
+    EXPECT_EQ(ReadAllLines(longest), std::vector<std::string>{longest});
+    EXPECT_EQ(ReadAllLines(longest + "y"), std::vector<std::string>{"too long"});
+    EXPECT_EQ(ReadAllLines(longest + longest + "\n\n"), (std::vector<std::string>{"too long", ""}));
 }
 
 TEST(InputLineReader, HasEndedWithoutADescriptorThatCanBeRead)

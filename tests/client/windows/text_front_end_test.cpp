@@ -1,12 +1,15 @@
 // tests/client/windows/text_front_end_test.cpp
 #include "client/windows/text_front_end.h"
 
+#include <fcntl.h>
 #include <sstream>
+#include <unistd.h>
 
 #include <gmock/gmock.h>
 
 #include "tests/client/windows/recording_procedure.h"
 #include "tests/client/windows/test_pipe.h"
+#include "tests/support/temporary_directory.h"
 
 namespace {
 
@@ -175,6 +178,22 @@ TEST_F(TextFrontEndTest, FollowsTheCommandsOfATerminal)
     EXPECT_THAT(out_.str(), HasSubstr("press BUTTON"));
     EXPECT_THAT(messages_.str(), HasSubstr("no command \"dance\"; help lists them\n"));
     EXPECT_THAT(messages_.str(), HasSubstr("control 3383 (databases) has no entry 7; it has 0\n"));
+}
+
+TEST_F(TextFrontEndTest, TellsThatALineIsTooLongAndTakesTheNext)
+{
+    TemporaryDirectory folder;
+    WriteWholeFile(folder / "input", std::string(100000, 'x') + " 3389 on\npress 1\n");
+    const int input = open((folder / "input").c_str(), O_RDONLY | O_CLOEXEC);
+    TextFrontEndOptions options;
+    options.interactive = true;
+    options.input = input;
+    options.messages = &messages_;
+    TextFrontEnd frontEnd(options);
+    frontEnd.Run(dialog_);
+    close(input);
+    EXPECT_THAT(sentMessages, ElementsAre(SentMessage{273, 1}));
+    EXPECT_THAT(messages_.str(), HasSubstr("> a command has at most 65536 bytes; this one is passed over\n> "));
 }
 
 TEST_F(TextFrontEndTest, LetsTimersPassWhileItWaitsForACommand)

@@ -1,0 +1,103 @@
+// client/windows/qt/client_window.cpp: the client's own window.
+#include "client/windows/qt/client_window.h"
+
+#include <QCloseEvent>
+#include <QFontDatabase>
+#include <QMenu>
+#include <QMenuBar>
+#include <QScrollBar>
+#include <QStyle>
+
+#include "client/windows/qt/qt_front_end.h"
+
+namespace pavex {
+
+namespace {
+
+constexpr int kLogPeriodMs = 500;
+constexpr int kMostLogLines = 2000;
+
+}  // namespace
+
+ClientWindow::ClientWindow(const ClientWindowContent& content) : log_(QString::fromStdString(content.log))
+{
+    setWindowTitle("Pavex");
+    view_.setReadOnly(true);
+    view_.setMaximumBlockCount(kMostLogLines);
+    view_.setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    view_.setLineWrapMode(QPlainTextEdit::NoWrap);
+    view_.setAccessibleName("Log");
+    setCentralWidget(&view_);
+    resize(fontMetrics().averageCharWidth() * 100, fontMetrics().lineSpacing() * 24);
+    AddMenu(content);
+    AddTrayIcon();
+    connect(&timer_, &QTimer::timeout, this, [this] { ShowLog(); });
+    timer_.start(kLogPeriodMs);
+    ShowLog();
+}
+
+void ClientWindow::AddMenu(const ClientWindowContent& content)
+{
+    QMenu* const menu = menuBar()->addMenu("&Pavex");
+    if (!content.menuText.empty()) {
+        QAction* const dialog = menu->addAction(QString::fromStdString(content.menuText).replace('&', "&&"));
+        connect(dialog, &QAction::triggered, this, [dialog, open = content.openDialog] {
+            dialog->setEnabled(false);  // the tray's menu can be reached while the dialog is open
+            open();
+            dialog->setEnabled(true);
+        });
+        menu->addSeparator();
+    }
+    connect(menu->addAction("&Quit", QKeySequence(Qt::CTRL | Qt::Key_Q)), &QAction::triggered, this,
+            [] { QtFrontEnd::CloseAll(); });
+    tray_.setContextMenu(menu);
+}
+
+void ClientWindow::AddTrayIcon()
+{
+    setWindowIcon(style()->standardIcon(QStyle::SP_FileDialogContentsView));
+    if (!QSystemTrayIcon::isSystemTrayAvailable())
+        return;
+    tray_.setIcon(windowIcon());
+    tray_.setToolTip(windowTitle());
+    connect(&tray_, &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason reason) {
+        if (reason == QSystemTrayIcon::Trigger)
+            setVisible(!isVisible());
+    });
+    tray_.show();
+}
+
+// The last line stays in sight; who reads further up is left there.
+void ClientWindow::ShowLog()
+{
+    const QString text = log_.ReadNew();
+    if (text.isEmpty())
+        return;
+    QScrollBar* const bar = view_.verticalScrollBar();
+    const int before = bar->value();
+    const bool atEnd = before == bar->maximum();
+    view_.appendPlainText(text.chopped(1));
+    bar->setValue(atEnd ? bar->maximum() : before);
+}
+
+void ClientWindow::showEvent(QShowEvent* event)
+{
+    QMainWindow::showEvent(event);
+    view_.verticalScrollBar()->setValue(view_.verticalScrollBar()->maximum());
+}
+
+void ClientWindow::WaitUntilClosed()
+{
+    if (!closed_)
+        loop_.exec();
+}
+
+void ClientWindow::closeEvent(QCloseEvent* event)
+{
+    event->accept();
+    closed_ = true;
+    tray_.hide();
+    loop_.quit();
+}
+
+}  // namespace pavex
