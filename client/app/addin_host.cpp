@@ -8,14 +8,13 @@
 #include <filesystem>
 #include <vector>
 
+#include "client/app/program_files.h"
 #include "client/store/charset.h"
 #include "client/store/host.h"
 
 namespace pavex {
 
 namespace {
-
-namespace fs = std::filesystem;
 
 // The client's side of the record's wire format.
 constexpr size_t kStatusOffset = 4;
@@ -26,28 +25,14 @@ constexpr unsigned int kLoad = 0;
 constexpr unsigned int kDialog = 2;
 constexpr unsigned int kUnload = 3;
 
-// First match counts: the build tree, then an installed system.
-constexpr const char* kLibraryPlaces[] = {"../lib/libtorvik.so", "../lib/pavex/libtorvik.so"};
 constexpr const char* kBundlePlace = "../share/pavex/torvik";
-
-fs::path ProgramFolder()
-{
-    std::error_code none;
-    return fs::read_symlink("/proc/self/exe", none).parent_path();
-}
 
 }  // namespace
 
 std::unique_ptr<AddIn> AddIn::Load(std::string* error)
 {
-    const fs::path folder = ProgramFolder();
-    std::string path;
-    for (const char* place : kLibraryPlaces) {
-        path = (folder / place).lexically_normal().string();
-        if (fs::exists(path))
-            break;
-    }
-    SetAddInBundle((folder / kBundlePlace).lexically_normal().string());
+    const std::string path = FindLibrary("libtorvik.so");
+    SetAddInBundle((ProgramFolder() / kBundlePlace).lexically_normal().string());
     void* const library = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (library == nullptr) {
         *error = std::string("cannot load the add-in: ") + dlerror();

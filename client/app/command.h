@@ -26,15 +26,22 @@ struct CommandRow {
 };
 std::span<const CommandRow> Commands();
 
+CommandFunction ConfigureDesktop(CLI::App& options);
+CommandFunction ConfigureHistory(CLI::App& options);
 CommandFunction ConfigureImport(CLI::App& options);
 CommandFunction ConfigureIndex(CLI::App& options);
 CommandFunction ConfigureNote(CLI::App& options);
+CommandFunction ConfigureOpen(CLI::App& options);
 CommandFunction ConfigureRun(CLI::App& options);
+CommandFunction ConfigureSearch(CLI::App& options);
 CommandFunction ConfigureSettings(CLI::App& options);
 CommandFunction ConfigureStatus(CLI::App& options);
 
 // The whole program: parses, starts the host, runs the command.
 int RunProgram(int argc, char** argv);
+
+// pavex settings without options: the settings dialog as a window, while the add-in indexes.
+int ShowSettingsWindow();
 
 // One line on standard error, "pavex: ...", and kExitFailed.
 int Fail(const std::string& message);

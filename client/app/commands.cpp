@@ -6,19 +6,33 @@
 #include <map>
 
 #include "client/app/command.h"
+#include "client/foundation/host.h"
+#include "client/store/path.h"
 
 namespace pavex {
 
 namespace {
 
 constexpr CommandRow kCommands[] = {
-    {"import", "read mailboxes and message files into databases", ConfigureImport},
+    {"import", "read mail, calendars, contacts, bookmarks and texts into databases", ConfigureImport},
     {"note", "put, get, list and delete single notes", ConfigureNote},
     {"settings", "show and change the desktop search settings", ConfigureSettings},
     {"index", "bring the search metadata up to date, once", ConfigureIndex},
     {"run", "stay and keep the search metadata up to date", ConfigureRun},
+    {"desktop", "stay as run does, with a window and a tray icon", ConfigureDesktop},
     {"status", "tell what is indexed and how far", ConfigureStatus},
+    {"search", "find notes by their words, through the desktop search", ConfigureSearch},
+    {"open", "show the note behind a search result", ConfigureOpen},
+    {"history", "list the notes that were opened", ConfigureHistory},
 };
+
+// The user's own choice comes before what the locale says.
+void ChooseLanguage()
+{
+    std::string language;
+    if (GetVariable("Language", &language) && !language.empty())
+        SetUserLanguages({language});
+}
 
 }  // namespace
 
@@ -36,8 +50,8 @@ int Fail(const std::string& message)
 std::string DatabasePath(const std::string& name)
 {
     namespace fs = std::filesystem;
-    if (name.starts_with("//"))
-        return name;  // on a server
+    if (IsOnServer(name))
+        return name;
     std::error_code none;
     if (name.find('/') != std::string::npos || fs::exists(name, none))
         return fs::absolute(name, none).lexically_normal().string();
@@ -66,6 +80,7 @@ int RunProgram(int argc, char** argv)
     std::string problem;
     if (!StartHost(FindPlaces(home), &problem))
         return Fail(problem);
+    ChooseLanguage();
     std::string mailFile;
     if (!GetVariable("MailFile", &mailFile))
         OverrideVariable("MailFile", "mail.vlt");  // where mail is imported to; the settings dialog proposes it

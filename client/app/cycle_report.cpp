@@ -54,6 +54,12 @@ void CycleReport::Take(const LogEntry& entry)
     case kLogThreadNotStarted:
         threadFailed_ = true;
         break;
+    case kLogIndexingOff:
+        obstacle_ = "indexing was switched off meanwhile";
+        break;
+    case kLogIndexUnavailable:
+        obstacle_ = "the desktop search is not available";
+        break;
     case kLogPassCounters:
         Add(path, {NumberArgument(entry, 1), NumberArgument(entry, 2), NumberArgument(entry, 3),
                    NumberArgument(entry, 4), NumberArgument(entry, 5), entry.status});
@@ -100,6 +106,12 @@ bool CycleReport::ThreadFailed() const
 {
     const std::lock_guard lock(mutex_);
     return threadFailed_;
+}
+
+std::string CycleReport::Obstacle() const
+{
+    const std::lock_guard lock(mutex_);
+    return obstacle_;
 }
 
 std::string CycleReport::Activity() const

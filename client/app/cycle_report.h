@@ -31,6 +31,8 @@ public:
     std::optional<PassResult> ResultOf(const std::string& path) const;
     // The add-in's thread could not begin its work.
     bool ThreadFailed() const;
+    // Why the add-in made no cycle at all; empty when it told of nothing.
+    std::string Obstacle() const;
     // The database being read and the notes seen in it so far; empty between passes.
     std::string Activity() const;
 
@@ -42,6 +44,7 @@ private:
     std::string current_;
     uint64_t notes_ = 0;
     bool threadFailed_ = false;
+    std::string obstacle_;
 };
 
 // True for the entries that the add-in writes only when debugging; the counters of a pass are wanted always.

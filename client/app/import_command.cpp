@@ -20,16 +20,23 @@ struct ImportArguments {
     bool json = false;
 };
 
+nlohmann::ordered_json JsonOf(const std::vector<RejectedEntry>& entries)
+{
+    nlohmann::ordered_json json = nlohmann::ordered_json::array();
+    for (const RejectedEntry& entry : entries)
+        json.push_back({{"source", entry.source}, {"where", entry.where}, {"reason", entry.reason}});
+    return json;
+}
+
 void PrintJson(const ImportReport& report)
 {
-    nlohmann::ordered_json rejected = nlohmann::ordered_json::array();
-    for (const RejectedEntry& entry : report.rejected)
-        rejected.push_back({{"source", entry.source}, {"where", entry.where}, {"reason", entry.reason}});
-    const nlohmann::ordered_json json{{"added", report.added},
-                                      {"updated", report.updated},
-                                      {"unchanged", report.unchanged},
-                                      {"removed", report.removed},
-                                      {"rejected", rejected}};
+    nlohmann::ordered_json json{{"added", report.added},
+                                {"updated", report.updated},
+                                {"unchanged", report.unchanged},
+                                {"removed", report.removed},
+                                {"rejected", JsonOf(report.rejected)}};
+    if (!report.notices.empty())
+        json["notices"] = JsonOf(report.notices);
     std::cout << json.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
 }
 
@@ -37,6 +44,8 @@ void PrintText(const ImportReport& report)
 {
     for (const RejectedEntry& entry : report.rejected)
         std::cerr << "pavex: rejected " << entry.where << ": " << entry.reason << '\n';
+    for (const RejectedEntry& entry : report.notices)
+        std::cerr << "pavex: " << entry.where << ": " << entry.reason << '\n';
     std::cout << report.added << " added, " << report.updated << " updated, " << report.unchanged << " unchanged, "
               << report.removed << " removed, " << report.rejected.size() << " rejected\n";
 }
@@ -92,11 +101,18 @@ int RunImport(const ImportArguments& arguments)
 CommandFunction ConfigureImport(CLI::App& options)
 {
     const auto arguments = std::make_shared<ImportArguments>();
-    options.add_option("SOURCE", arguments->sources, "mailboxes, Maildirs, message files, or folders of them")
+    options
+        .add_option("SOURCE", arguments->sources,
+                    "mailboxes, Maildirs, message files, calendars, vCards, bookmark files, texts, or folders of them")
         ->required();
-    options.add_option("--into", arguments->into, "the database to write; default: mail.vlt in the data directory")
+    options
+        .add_option("--into", arguments->into,
+                    "the database to write; default: by what an entry is, in the data directory: mail.vlt, names.vlt "
+                    "(contacts), calendar.vlt (events, tasks, journal entries), documents.vlt (postings, bookmarks, "
+                    "texts), bookmark.vlt (bookmarks of notes)")
         ->type_name("FILE.vlt");
-    options.add_option("--as", arguments->as, "what the messages become")->check(CLI::IsMember({"mail", "discussion"}));
+    options.add_option("--as", arguments->as, "what messages become: mail, or postings of a discussion")
+        ->check(CLI::IsMember({"mail", "discussion"}));
     options.add_flag("--prune", arguments->prune, "delete notes whose source entry is gone");
     options.add_flag("--json", arguments->json, "print the report as one JSON object");
     return [arguments] { return RunImport(*arguments); };

@@ -12,6 +12,7 @@
 #include "client/app/policy_check.h"
 #include "client/app/signals.h"
 #include "client/app/slots.h"
+#include "client/foundation/host.h"
 #include "client/store/database.h"
 #include "platform/store.h"
 
@@ -146,7 +147,16 @@ void PrintText(const std::vector<Slot>& slots, const CycleReport& report, bool s
         std::cout << "stopped; the next run goes on from here\n";
 }
 
-// Why a configured database was not reached, and failures of those that were.
+std::string WhyNotReached(const CycleReport& report)
+{
+    if (std::string obstacle = report.Obstacle(); !obstacle.empty())
+        return obstacle;
+    if (RunsOnBattery())
+        return "indexing waits while the computer runs on battery";
+    return "the cycle ended before its turn; see " + CurrentPlaces().log;
+}
+
+// Why a configured database was not reached, failures of those that were, and progress that was not saved.
 int Judge(const std::vector<Slot>& slots, const CycleReport& report, bool stopped)
 {
     int exit = kExitDone;
@@ -155,13 +165,15 @@ int Judge(const std::vector<Slot>& slots, const CycleReport& report, bool stoppe
         anyDatabase = anyDatabase || slot.number != kHistorySlot;
         const std::optional<PassResult> result = report.ResultOf(slot.path);
         if (!result && !stopped && slot.number != kHistorySlot)
-            exit = Fail(slot.path + " was not indexed: indexing waits while the computer runs on battery");
+            exit = Fail(slot.path + " was not indexed: " + WhyNotReached(report));
         else if (result && result->status != 0 && result->status != kStatusNothingModified &&
                  result->status != kStatusStopped)
             exit = Fail(slot.path + ": " + DescribeStatus(result->status));
     }
+    if (const std::string failed = TakeFailedWrite(); !failed.empty())
+        exit = Fail(failed);
     if (!anyDatabase)
-        return Fail("no databases are chosen; choose them with: pavex settings --enable --yes");
+        return Fail("no databases are chosen; choose them with: pavex settings --enable --yes --add FILE.vlt");
     return exit;
 }
 

@@ -6,7 +6,9 @@
 #include "client/app/command.h"
 #include "client/app/json_input.h"
 #include "client/app/note_json.h"
+#include "client/app/note_text.h"
 #include "client/store/database.h"
+#include "client/store/note_link.h"
 #include "client/store/timedate.h"
 
 namespace pavex {
@@ -25,27 +27,6 @@ struct NoteOptions {
 int FailWith(STATUS status, const std::string& path)
 {
     return Fail(path + ": " + DescribeStatus(status));
-}
-
-std::string UrlOf(const Database& database, const UNID& unid)
-{
-    return "Pavex:///" + HexFromId(database.ReplicaId()) + "//" + HexFromUnid(unid);
-}
-
-std::string FirstText(const Note& note, std::string_view name)
-{
-    const Item* const item = note.Find(name);
-    const auto values = item != nullptr ? TextValues(*item) : std::nullopt;
-    return values && !values->empty() ? values->front() : std::string();
-}
-
-// Control characters as blanks, so that a line stays a line and a terminal stays itself.
-std::string OneLine(std::string text)
-{
-    for (char& c : text)
-        if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F)
-            c = ' ';
-    return text;
 }
 
 // ---- put -------------------------------------------------------------------------------------
@@ -126,7 +107,7 @@ private:
 
     void Print(const Note& note) const
     {
-        const std::string url = UrlOf(*database_, note.unid);
+        const std::string url = UrlOfNote(database_->ReplicaId(), note.unid);
         if (json_)
             std::cout << nlohmann::ordered_json{{"noteid", note.id}, {"unid", HexFromUnid(note.unid)}, {"url", url}}
                       << '\n';
@@ -201,10 +182,7 @@ int Get(const NoteOptions& options)
         const STATUS status = id ? database.Get(*id, &note) : kStatusNoSuchNote;
         if (status != 0)
             return Fail(database.Path() + ": note " + name + ": " + DescribeStatus(status));
-        nlohmann::ordered_json json = JsonFromNote(note);
-        json["noteid"] = note.id;
-        json["url"] = UrlOf(database, note.unid);
-        std::cout << json.dump(options.json ? -1 : 2, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
+        PrintNoteJson(database, note, options.json);
         return kExitDone;
     });
 }

@@ -4,6 +4,7 @@
 
 #include <strings.h>
 
+#include <cmath>
 #include <optional>
 
 #include "client/store/charset.h"
@@ -299,27 +300,29 @@ Json WriteRaw(const Item& item)
     return {{"type", item.type}, {"hex", HexFromBytes(item.value)}};
 }
 
+// What can take the value; null when nothing can.  WriteItem holds each form to giving the value back.
 Json WriteText(const Item& item)
 {
     const auto values = TextValues(item);
     if (!values)
-        return WriteRaw(item);
+        return nullptr;
     if (item.type == kTypeText)
         return values->empty() ? "" : values->front();
     return *values;
 }
 
+// JSON has no form for infinities and for what is no number.
 Json WriteNumber(const Item& item)
 {
     const std::optional<double> number = NumberValue(item);
-    return number ? Json(*number) : WriteRaw(item);
+    return number && std::isfinite(*number) ? Json(*number) : Json(nullptr);
 }
 
 Json WriteTimes(const Item& item)
 {
     const auto times = TimeValues(item);
     if (!times || (item.type == kTypeTime && times->size() != 1))
-        return WriteRaw(item);
+        return nullptr;
     if (item.type == kTypeTime)
         return {{"time", IsoFromTime(times->front())}};
     Json list = Json::array();
@@ -330,9 +333,8 @@ Json WriteTimes(const Item& item)
 
 Json WriteRichText(const Item& item)
 {
-    bool damaged = false;
     Json pieces = Json::array();
-    for (const RichTextPiece& piece : ReadRichText(item.value, &damaged)) {
+    for (const RichTextPiece& piece : ReadRichText(item.value)) {
         switch (piece.kind) {
         case RichTextPiece::Kind::kParagraph:
             pieces.push_back(piece.text);
@@ -349,7 +351,7 @@ Json WriteRichText(const Item& item)
             break;
         }
     }
-    return damaged ? WriteRaw(item) : Json{{"richtext", pieces}};
+    return {{"richtext", pieces}};
 }
 
 Json WriteFormula(const Item& item)
@@ -366,11 +368,22 @@ constexpr TypeForm kTypeForms[] = {
     {kTypeTimeRange, WriteTimes}, {kTypeRichText, WriteRichText}, {kTypeFormula, WriteFormula},
 };
 
+bool ReadsBackAs(const Item& item, const Json& json)
+{
+    const ReadValue read = ReadItem(item.name, json);
+    return read.item && read.item->type == item.type && read.item->value == item.value;
+}
+
+// A form that would not give back every bit (a time zone, the style of a text, the ranges behind the times of
+// a list) is not used.
 Json WriteItem(const Item& item)
 {
-    for (const TypeForm& form : kTypeForms)
-        if (form.type == item.type)
-            return form.write(item);
+    for (const TypeForm& form : kTypeForms) {
+        if (form.type != item.type)
+            continue;
+        if (Json json = form.write(item); ReadsBackAs(item, json))
+            return json;
+    }
     return WriteRaw(item);
 }
 

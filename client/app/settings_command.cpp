@@ -1,4 +1,4 @@
-// client/app/settings_command.cpp: pavex settings: the settings dialog, driven by options or by hand.
+// client/app/settings_command.cpp: pavex settings: the settings dialog, a window or driven by options or commands.
 #include <unistd.h>
 
 #include <iostream>
@@ -26,6 +26,7 @@ constexpr int kReindex = 3393;
 struct SettingsArguments {
     bool show = false;
     bool json = false;
+    bool text = false;
     bool enable = false;
     bool disable = false;
     bool reindex = false;
@@ -80,7 +81,7 @@ TextFrontEndOptions FrontEndFor(const SettingsArguments& arguments)
     const bool changes = !options.script.empty();
     if (arguments.show || arguments.json)
         options.script.push_back(arguments.json ? ShowJsonAction() : ShowTextAction());
-    options.interactive = options.script.empty();
+    options.interactive = arguments.text;
     if (!options.interactive)
         options.script.push_back(PressAction(changes ? kOk : kCancel));
     options.answers = arguments.yes ? BoxAnswers::Yes : arguments.no ? BoxAnswers::No : BoxAnswers::Ask;
@@ -104,28 +105,30 @@ int Judge(const TextFrontEnd& frontEnd, bool changesAsked)
     return kExitDone;
 }
 
+// Nothing is to be done or printed: the user wants to see the window.
+bool WantsWindow(const SettingsArguments& arguments)
+{
+    return !arguments.text && !arguments.show && !arguments.json && ChangesAskedFor(arguments).empty();
+}
+
 int RunSettings(const SettingsArguments& arguments)
 {
+    if (WantsWindow(arguments)) {
+        if (!arguments.yes && !arguments.no)
+            return ShowSettingsWindow();
+        Fail("--yes and --no answer the questions of what other options change");
+        return kExitWrongUse;
+    }
     std::string error;
     const std::unique_ptr<AddIn> addIn = AddIn::Load(&error);
     if (addIn == nullptr)
         return Fail(error);
-    const TextFrontEndOptions options = FrontEndFor(arguments);
-    if (options.interactive && isatty(STDIN_FILENO) == 0)
-        return Fail("no display and no terminal to show the settings on; use the options, or --show");
-    TextFrontEnd frontEnd(options);
+    TextFrontEnd frontEnd(FrontEndFor(arguments));
     SetFrontEnd(&frontEnd);
-    std::string notWritten;
-    SetLogObserver([&notWritten](const LogEntry& entry) {
-        if (entry.id == 0)
-            notWritten = entry.text;  // the client's own: the settings file could not be written
-        return true;
-    });
     addIn->OpenDialog();
-    SetLogObserver(nullptr);
     SetFrontEnd(nullptr);
-    if (!notWritten.empty())
-        return Fail(notWritten);
+    if (const std::string failed = TakeFailedWrite(); !failed.empty())
+        return Fail(failed);
     return Judge(frontEnd, !ChangesAskedFor(arguments).empty());
 }
 
@@ -136,6 +139,7 @@ CommandFunction ConfigureSettings(CLI::App& options)
     const auto values = std::make_shared<SettingsArguments>();
     options.add_flag("--show", values->show, "print every control and status line");
     options.add_flag("--json", values->json, "print them as JSON");
+    options.add_flag("--text", values->text, "take commands from standard input in place of the window");
     CLI::Option* const enable = options.add_flag("--enable", values->enable, "switch indexing on");
     options.add_flag("--disable", values->disable, "switch indexing off")->excludes(enable);
     options.add_option("--add", values->add, "add a database to the list")->type_name("FILE")->take_all();

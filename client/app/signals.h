@@ -8,5 +8,8 @@ namespace pavex {
 void HoldSignals();
 // True when one of them arrived; false after the time.
 bool WaitForSignal(int milliseconds);
+// A file descriptor that can be read once one of them has arrived; -1 when none can be had.  Owned by the
+// caller.  Nothing need be read from it.
+int OpenSignalDescriptor();
 
 }  // namespace pavex

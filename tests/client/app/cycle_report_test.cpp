@@ -56,6 +56,16 @@ TEST(CycleReport, TellsWhyADatabaseCouldNotBeRead)
     }
 }
 
+TEST(CycleReport, TellsWhyThereWasNoCycle)
+{
+    CycleReport report;
+    EXPECT_EQ(report.Obstacle(), "");
+    report.Take(Entry(kLogIndexingOff));
+    EXPECT_EQ(report.Obstacle(), "indexing was switched off meanwhile");
+    report.Take(Entry(kLogIndexUnavailable));
+    EXPECT_EQ(report.Obstacle(), "the desktop search is not available");
+}
+
 TEST(CycleReport, ShowsTheDatabaseBeingReadAndItsNotesSoFar)
 {
     CycleReport report;

@@ -3,6 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <limits>
+
 #include "client/store/richtext.h"
 #include "client/store/timedate.h"
 #include "tests/support/temporary_directory.h"
@@ -142,6 +145,92 @@ TEST(NoteJson, WritesADamagedValueAsItsBytes)
     EXPECT_EQ(JsonFromNote(note)["items"].dump(),
               R"({"List":{"type":1281,"hex":"0500"},"Number":{"type":768,"hex":"616263"},)"
               R"("Time":{"type":1024,"hex":"78"},"Body":{"type":1,"hex":"81FF0300"}})");
+}
+
+// The items that `put` makes of what `get` prints of them.
+std::vector<Item> PutBack(const std::vector<Item>& items)
+{
+    Note note;
+    note.created = note.modified = TimeFromUnix(0);
+    note.items = items;
+    Note again;
+    std::string error;
+    const std::string printed = JsonFromNote(note).dump(-1, ' ', false, Json::error_handler_t::replace);
+    EXPECT_TRUE(NoteFromJson(Json::parse(printed), &again, &error)) << error << ": " << printed;
+    return again.items;
+}
+
+Item WithValue(Item item, const std::function<void(std::string*)>& change)
+{
+    change(&item.value);
+    return item;
+}
+
+// Values that stand in no form of JSON, or only in part.
+std::vector<Item> OddValues()
+{
+    constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
+    constexpr double kInfinity = std::numeric_limits<double>::infinity();
+    constexpr uint32_t kDay = 2454165;
+    constexpr uint32_t kZone = 0x81000000;
+    const TIMEDATE times[] = {{{5040000, kNoDate}},
+                              {{kNoTimeOfDay, kDay}},
+                              {{kNoTimeOfDay, kNoDate}},
+                              {{5040000, kDay | kZone}},
+                              {{8640000, kDay}},
+                              {{kNoTimeOfDay - 1, kDay}},
+                              {{5040000, 0}},
+                              {{8639999, 0x00FFFFFF}},
+                              {{kNoTimeOfDay, kDay | kZone}},
+                              {{9000000, kNoDate}},
+                              {{kNoTimeOfDay, 0}}};
+    std::vector<Item> items;
+    for (const double number : {kNone, -kNone, kInfinity, -kInfinity, -0.0, 5e-324, 1.7976931348623157e308, 0.1})
+        items.push_back(NumberItem("", number));
+    for (const TIMEDATE& time : times) {
+        items.push_back(TimeItem("", time));
+        items.push_back(TimeListItem("", {TimeFromUnix(0), time}));
+    }
+    const Item list = TimeListItem("", {TimeFromUnix(0)});
+    items.push_back(WithValue(list, [](std::string* value) {  // a range behind the time
+        (*value)[2] = 1;
+        value->append(16, '\x01');
+    }));
+    items.push_back(WithValue(list, [](std::string* value) { value->append("x"); }));
+    items.push_back(WithValue(TextListItem("", {"a"}), [](std::string* value) { value->append("x"); }));
+    for (const char* bytes : {"a\nb", "a\rb", "\xFF", "\xED\xA0\xBD", "\xC0\x80", "\xF0\x9F\x98\x80", "\xC3"}) {
+        items.push_back({"", kTypeText, 0, bytes});
+        items.push_back({"", kTypeFormula, 0, bytes});
+    }
+    RichTextBuilder body;
+    body.AddParagraph("Plums");
+    const Item plain = RichTextItem("", body.Records());
+    items.push_back(WithValue(plain, [](std::string* value) { (*value)[8] = 7; }));  // another style
+    items.push_back(WithValue(plain, [](std::string* value) { value->append("\xFD\x7F\x04\x00", 4); }));
+    items.push_back(WithValue(plain, [](std::string* value) { value->append("x"); }));
+    for (size_t i = 0; i < items.size(); ++i)
+        items[i].name = "Item" + std::to_string(i);
+    return items;
+}
+
+TEST(NoteJson, PrintsWhatPutTakesBackBitForBitWhateverTheValue)
+{
+    const std::vector<Item> odd = OddValues();
+    const std::vector<Item> back = PutBack(odd);
+    ASSERT_EQ(back.size(), odd.size());
+    for (size_t i = 0; i < odd.size(); ++i)
+        EXPECT_EQ(back[i], odd[i]) << testing::PrintToString(odd[i].value);
+}
+
+TEST(NoteJson, PrintsEveryTextOfTwoBytesAsPutTakesItBack)
+{
+    for (unsigned first = 0; first <= 0xFF; ++first) {
+        std::vector<Item> texts;
+        for (unsigned second = 0; second <= 0xFF; ++second)
+            texts.push_back(
+                {"T" + std::to_string(second), kTypeText, 0, {static_cast<char>(first), static_cast<char>(second)}});
+        EXPECT_TRUE(PutBack(texts) == texts) << first;
+    }
 }
 
 TEST(NoteJson, LeavesOutATimeOfCreationThatIsNone)

@@ -11,6 +11,7 @@
 #include <csignal>
 #include <sstream>
 #include <stdexcept>
+#include <thread>
 
 namespace pavex {
 
@@ -82,6 +83,11 @@ ProgramResult Process::Wait()
             ReadWholeFile(stem_ + ".err")};
 }
 
+ProgramHome::ProgramHome()
+{
+    setenv("LC_ALL", "C", 1);
+}
+
 std::vector<std::string> ProgramHome::CommandLine(const std::vector<std::string>& arguments) const
 {
     std::vector<std::string> command = {kProgram, "--home", Path("home")};
@@ -97,6 +103,14 @@ std::unique_ptr<Process> ProgramHome::Start(const std::vector<std::string>& argu
 ProgramResult ProgramHome::Run(const std::vector<std::string>& arguments)
 {
     return Start(arguments)->Wait();
+}
+
+ProgramResult ProgramHome::RunIn(const std::string& locale, const std::vector<std::string>& arguments)
+{
+    std::vector<std::string> command = CommandLine(arguments);
+    const std::string setting = "LC_ALL=" + locale;
+    command.insert(command.begin(), {"env", "-u", "LANGUAGE", setting});
+    return Process(command, Path("run" + std::to_string(runs_++))).Wait();
 }
 
 nlohmann::ordered_json ProgramHome::RunJson(const std::vector<std::string>& arguments)
@@ -180,6 +194,16 @@ std::vector<std::string> ProgramHome::OtherFiles() const
         if (entry.is_regular_file() && !IsMetafile(entry.path()))
             others.push_back(entry.path().string());
     return others;
+}
+
+bool Eventually(const std::function<bool()>& condition)
+{
+    for (int i = 0; i < 6000; ++i) {
+        if (condition())
+            return true;
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    return false;
 }
 
 void ExpectOneClearLine(const ProgramResult& result, int exit, const std::vector<std::string>& parts)

@@ -6,6 +6,7 @@
 
 #include <chrono>
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -44,9 +45,13 @@ using MetafileTimes = std::map<std::string, std::filesystem::file_time_type>;
 
 class ProgramHome {
 public:
+    // The program speaks English, whatever the language of who runs the tests.
+    ProgramHome();
     // Runs pavex --home HOME with the arguments.
     ProgramResult Run(const std::vector<std::string>& arguments);
-    // The same, expected to succeed with one JSON object and nothing on standard error.
+    // The same with this locale and no other word on the language.
+    ProgramResult RunIn(const std::string& locale, const std::vector<std::string>& arguments);
+    // As Run, expected to succeed with one JSON object and nothing on standard error.
     nlohmann::ordered_json RunJson(const std::vector<std::string>& arguments);
     // Started, not waited for.
     std::unique_ptr<Process> Start(const std::vector<std::string>& arguments);
@@ -75,6 +80,9 @@ private:
     TemporaryDirectory folder_;
     int runs_ = 0;
 };
+
+// Waits until the condition holds; false after a minute.
+bool Eventually(const std::function<bool()>& condition);
 
 // Fails the test unless the program ended with this status, nothing on standard output and exactly one line
 // on standard error, which holds every one of the parts.

@@ -1,0 +1,30 @@
+// client/app/note_text.h: notes as people read them.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "client/store/database.h"
+
+namespace pavex {
+
+// The first value of a text item; empty without one.
+std::string FirstText(const Note& note, std::string_view name);
+
+// What a note is called: its subject, or whatever its kind has for one; empty when it has none.
+std::string TitleOfNote(const Note& note);
+
+// Whether what goes to standard output may stand out: it is a terminal, and NO_COLOR is not set.
+bool WantsColor();
+
+// Control characters as blanks, so that a line stays a line and a terminal stays itself.
+std::string OneLine(std::string text);
+
+// The whole note as the client shows it: the fields, a "Name: value" line each, then the rich text.  Items whose
+// names begin with '$' are the client's own and not shown.  isBold: names stand out, by a terminal's sequences.
+std::string ReadableNote(const Note& note, bool isBold);
+
+// Prints the JSON that "note put" takes, with the note's id and URL: one line, or indented for people.
+void PrintNoteJson(const Database& database, const Note& note, bool isOneLine);
+
+}  // namespace pavex

@@ -1,0 +1,102 @@
+// client/app/open_command.cpp: pavex open: shows the note behind a URL, and remembers it in the history.
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <iostream>
+#include <memory>
+
+#include "client/app/command.h"
+#include "client/app/history.h"
+#include "client/app/last_search.h"
+#include "client/app/note_finder.h"
+#include "client/app/note_text.h"
+#include "client/store/note_link.h"
+
+namespace pavex {
+
+namespace {
+
+struct OpenArguments {
+    std::string target;
+    bool raw = false;
+};
+
+constexpr const char* kPager = "less -R";
+
+bool IsNumber(const std::string& text)
+{
+    constexpr size_t kMostDigits = 6;
+    return !text.empty() && text.size() <= kMostDigits && text.find_first_not_of("0123456789") == text.npos;
+}
+
+// Empty, after a line on standard error, when there is no such result.
+std::string UrlOfTarget(const std::string& target)
+{
+    if (!IsNumber(target))
+        return target;
+    const std::optional<std::string> url = UrlOfLastSearch(std::stoul(target));
+    if (!url)
+        (void)Fail("the last search has no result " + target);
+    return url.value_or("");
+}
+
+// False when there is no such program.
+bool ShowInPager(const std::string& text)
+{
+    const char* const chosen = std::getenv("PAGER");
+    const std::string pager = chosen != nullptr && *chosen != '\0' ? chosen : kPager;
+    constexpr int kNotFound = 127;
+    (void)std::signal(SIGPIPE, SIG_IGN);  // a pager that is left early has seen enough
+    FILE* const pipe = popen(pager.c_str(), "w");
+    if (pipe == nullptr)
+        return false;
+    (void)std::fwrite(text.data(), 1, text.size(), pipe);
+    const int status = pclose(pipe);
+    return !WIFEXITED(status) || WEXITSTATUS(status) != kNotFound;
+}
+
+void Show(const Note& note)
+{
+    const std::string text = ReadableNote(note, WantsColor());
+    std::cout.flush();
+    if (isatty(STDOUT_FILENO) == 0 || !ShowInPager(text))
+        std::cout << text;
+}
+
+int RunOpen(const OpenArguments& arguments)
+{
+    const std::string url = UrlOfTarget(arguments.target);
+    if (url.empty())
+        return kExitFailed;
+    const std::optional<NOTELINK> link = LinkFromUrl(url);
+    if (!link)
+        return Fail(url + " is no address of a note (Pavex:///...) and no number of a search result");
+    Note note;
+    std::string error;
+    const std::unique_ptr<Database> database = FindNote(*link, &note, &error);
+    if (database == nullptr)
+        return Fail(url + ": " + error);
+    if (arguments.raw)
+        PrintNoteJson(*database, note, false);
+    else
+        Show(note);
+    const std::string title = TitleOfNote(note);
+    if (!RememberInHistory(*link, title.empty() ? url : title, &error))
+        return Fail(error);
+    return kExitDone;
+}
+
+}  // namespace
+
+CommandFunction ConfigureOpen(CLI::App& options)
+{
+    const auto arguments = std::make_shared<OpenArguments>();
+    options.add_flag("--raw", arguments->raw, "print the note's items as JSON");
+    options.add_option("NOTE", arguments->target, "the note's URL, or its number in the last search")->required();
+    return [arguments] { return RunOpen(*arguments); };
+}
+
+}  // namespace pavex

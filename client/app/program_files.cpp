@@ -1,0 +1,35 @@
+// client/app/program_files.cpp: what is laid beside the program.
+#include "client/app/program_files.h"
+
+#include <system_error>
+
+namespace pavex {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// First match counts: the build tree, then an installed system.
+constexpr const char* kLibraryFolders[] = {"../lib", "../lib/pavex"};
+
+}  // namespace
+
+fs::path ProgramFolder()
+{
+    std::error_code none;
+    return fs::read_symlink("/proc/self/exe", none).parent_path();
+}
+
+std::string FindLibrary(const std::string& name)
+{
+    std::string path;
+    for (const char* const folder : kLibraryFolders) {
+        path = (ProgramFolder() / folder / name).lexically_normal().string();
+        std::error_code none;
+        if (fs::exists(path, none))
+            break;
+    }
+    return path;
+}
+
+}  // namespace pavex

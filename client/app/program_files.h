@@ -1,0 +1,15 @@
+// client/app/program_files.h: what is laid beside the program.
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+namespace pavex {
+
+// The folder of the running program.
+std::filesystem::path ProgramFolder();
+// The path of a library that is loaded at run time: the build tree's, then an installed system's.  Where it
+// would be when there is none.
+std::string FindLibrary(const std::string& name);
+
+}  // namespace pavex

@@ -1,0 +1,246 @@
+// client/app/search_command.cpp: pavex search: asks the desktop search engine for notes.
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <ctime>
+#include <filesystem>
+#include <iostream>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <set>
+
+#include "client/app/command.h"
+#include "client/app/last_search.h"
+#include "client/app/note_text.h"
+#include "client/app/program_files.h"
+#include "client/foundation/languages.h"
+#include "client/search/marked_text.h"
+#include "client/search/metafile.h"
+#include "client/search/query.h"
+#include "client/search/search_index.h"
+#include "client/store/timedate.h"
+
+namespace pavex {
+
+namespace {
+
+constexpr unsigned kDefaultLimit = 20;
+constexpr unsigned kGreatestLimit = 100000;
+constexpr size_t kSnippetBytes = 200;
+
+struct SearchArguments {
+    std::vector<std::string> words;
+    std::string kind;
+    std::string from;
+    std::string after;
+    std::string before;
+    unsigned limit = kDefaultLimit;
+    bool json = false;
+};
+
+struct Result {
+    SearchHit hit;
+    std::string snippet;
+};
+
+// A bare date is the beginning of that day where the user is.
+std::optional<int64_t> UnixFromDate(const std::string& text)
+{
+    const std::optional<TIMEDATE> time = TimeFromIso(text);
+    const std::optional<int64_t> seconds = time ? UnixFromTime(*time) : std::nullopt;
+    if (!seconds || text.find('T') != text.npos)
+        return seconds;
+    const std::time_t midnight = *seconds;
+    std::tm parts{};
+    if (gmtime_r(&midnight, &parts) == nullptr)
+        return std::nullopt;
+    parts.tm_isdst = -1;
+    return std::mktime(&parts);
+}
+
+std::string WhyNoDate(const std::string& text)
+{
+    return UnixFromDate(text) ? std::string() : "\"" + text + "\" is no date; write 2007-03-05 or 2007-03-05T14:00:00Z";
+}
+
+SearchFolders FoldersOfHome()
+{
+    const std::string& caches = CurrentPlaces().caches;
+    return {(ProgramFolder() / "../share/pavex/recoll").lexically_normal().string(), MetadataFolder(caches),
+            caches + "/pavex/search"};
+}
+
+SearchRequest RequestOf(const SearchArguments& arguments)
+{
+    SearchRequest request;
+    request.words = arguments.words;
+    request.kind = FindKindByName(arguments.kind);
+    request.from = arguments.from;
+    request.after = UnixFromDate(arguments.after);
+    request.before = UnixFromDate(arguments.before);
+    return request;
+}
+
+// From the first text with a hit; from the body when the words stand elsewhere.
+std::string SnippetOf(const std::vector<std::string>& texts, const std::vector<std::string>& terms)
+{
+    const auto hasHit = [&terms](const std::string& text) { return !FindMarks(text, terms).empty(); };
+    for (const std::string& text : texts)
+        if (std::string snippet = CutSnippet(text, terms, kSnippetBytes); hasHit(snippet))
+            return snippet;
+    return CutSnippet(texts.front(), terms, kSnippetBytes);
+}
+
+// A note whose metafile went since the index was read is not there any more.
+std::vector<Result> ReadResults(const SearchAnswer& answer)
+{
+    std::vector<Result> results;
+    for (const SearchHit& hit : answer.hits)
+        if (const auto texts = ReadMetafileTexts(hit.metafile))
+            results.push_back({hit, SnippetOf(*texts, answer.terms)});
+    return results;
+}
+
+std::string IsoOfStamp(const std::string& stamp)
+{
+    const std::optional<int64_t> seconds = UnixFromStamp(stamp);
+    return seconds ? IsoFromTime(TimeFromUnix(*seconds)) : std::string();
+}
+
+std::string LocalOfStamp(const std::string& stamp)
+{
+    const std::optional<int64_t> seconds = UnixFromStamp(stamp);
+    const std::time_t time = seconds.value_or(0);
+    std::tm parts{};
+    std::array<char, 32> text{};
+    if (!seconds || localtime_r(&time, &parts) == nullptr)
+        return "no date";
+    (void)std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M", &parts);
+    return text.data();
+}
+
+void PrintJson(const std::vector<Result>& results)
+{
+    for (const auto& [hit, snippet] : results)
+        std::cout << nlohmann::ordered_json{{"url", hit.url},       {"kind", hit.kind->name},
+                                            {"title", hit.title},   {"date", IsoOfStamp(hit.stamp)},
+                                            {"people", hit.people}, {"snippet", snippet}}
+                         .dump(-1, ' ', false, nlohmann::json::error_handler_t::replace)
+                  << '\n';
+}
+
+std::string Joined(const std::vector<std::string>& parts)
+{
+    std::string joined;
+    for (const std::string& part : parts)
+        joined += (joined.empty() ? "" : ", ") + part;
+    return joined;
+}
+
+void PrintText(const std::vector<Result>& results, const std::vector<std::string>& terms)
+{
+    const bool isBold = WantsColor();
+    const auto shown = [&](const std::string& text) {
+        return WithMarks(OneLine(text), terms, isBold ? "\033[1m" : "", isBold ? "\033[0m" : "");
+    };
+    const auto line = [](const std::string& text) { return text.empty() ? text : "    " + text + "\n"; };
+    int number = 0;
+    for (const auto& [hit, snippet] : results)
+        std::cout << ++number << ". " << hit.kind->name << "  " << LocalOfStamp(hit.stamp) << "  " << shown(hit.title)
+                  << '\n'
+                  << line(shown(Joined(hit.people))) << line(shown(snippet)) << line(hit.url);
+}
+
+int Report(const SearchArguments& arguments, const SearchAnswer& answer)
+{
+    const std::vector<Result> results = ReadResults(answer);
+    std::vector<std::string> urls;
+    urls.reserve(results.size());
+    for (const Result& result : results)
+        urls.push_back(result.hit.url);
+    if (!KeepLastSearch(urls))
+        return Fail(std::string("cannot keep the results for pavex open: ") + std::strerror(errno));
+    if (results.empty())
+        std::cerr << "pavex: nothing found\n";
+    else if (arguments.json)
+        PrintJson(results);
+    else
+        PrintText(results, answer.terms);
+    return kExitDone;
+}
+
+// Sorting is what takes time when a word stands in very many notes.  The newest of all are the newest of the last
+// year, the last that was asked for, if there are enough of those.
+bool AskNewest(const SearchFolders& folders, const SearchRequest& request, unsigned limit, SearchAnswer* answer,
+               std::string* error)
+{
+    constexpr int64_t kDay = 86400;
+    constexpr int64_t kYear = 366 * kDay;
+    const std::string language = StemmingLanguage(cf::CurrentLanguages().languages);
+    const std::set<std::string> fields = ReadFieldNames(folders);
+    SearchRequest recent = request;
+    const int64_t end = request.before.value_or(std::time(nullptr));
+    recent.after = std::max(request.after.value_or(end - kYear), end - kYear);
+    if (!AskIndex(folders, BuildQuery(recent, fields), language, limit, answer, error))
+        return false;
+    return answer->hits.size() >= limit || recent.after == request.after ||
+           AskIndex(folders, BuildQuery(request, fields), language, limit, answer, error);
+}
+
+// What an index holds that could not be brought up to date is still worth having.
+int Ask(const SearchFolders& folders, const SearchRequest& request, const SearchArguments& arguments)
+{
+    std::string whyOld;
+    std::string error;
+    SearchAnswer answer;
+    const bool isUpToDate = UpdateIndex(folders, &whyOld);
+    if (!AskNewest(folders, request, arguments.limit, &answer, &error))
+        return Fail(isUpToDate ? error : whyOld);
+    const int exit = Report(arguments, answer);
+    return isUpToDate ? exit : Fail("the search index is not up to date: " + whyOld);
+}
+
+int RunSearch(const SearchArguments& arguments)
+{
+    const SearchFolders folders = FoldersOfHome();
+    const SearchRequest request = RequestOf(arguments);
+    if (BuildQuery(request, ReadFieldNames(folders)).empty()) {
+        (void)Fail("there is no word to look for");
+        return kExitWrongUse;
+    }
+    if (!HasMetafiles(folders))
+        return Fail("nothing is indexed yet; index with: pavex settings --enable --yes, then pavex index");
+    return Ask(folders, request, arguments);
+}
+
+std::vector<std::string> KindNames()
+{
+    std::vector<std::string> names;
+    names.reserve(kSearchKinds.size());
+    for (const SearchKind& kind : kSearchKinds)
+        names.emplace_back(kind.name);
+    return names;
+}
+
+}  // namespace
+
+CommandFunction ConfigureSearch(CLI::App& options)
+{
+    const auto arguments = std::make_shared<SearchArguments>();
+    options.add_option("--kind", arguments->kind, "notes of this kind only")->check(CLI::IsMember(KindNames()));
+    options.add_option("--from", arguments->from, "notes of this author only")->type_name("NAME");
+    options.add_option("--after", arguments->after, "notes of this date or later")->type_name("DATE")->check(WhyNoDate);
+    options.add_option("--before", arguments->before, "notes before this date")->type_name("DATE")->check(WhyNoDate);
+    options.add_option("--limit", arguments->limit, "at most this many results")
+        ->capture_default_str()
+        ->check(CLI::Range(1U, kGreatestLimit));
+    options.add_flag("--json", arguments->json, "print JSON, one object a line");
+    options
+        .add_option("WORDS", arguments->words, "words that the notes hold; one with blanks is looked for as it stands")
+        ->required();
+    return [arguments] { return RunSearch(*arguments); };
+}
+
+}  // namespace pavex

@@ -1,0 +1,97 @@
+// tests/client/app/program_search_home_test.cpp: homes of all sorts, as they are searched.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include "tests/client/app/program_fixture.h"
+
+namespace pavex {
+namespace {
+
+namespace fs = std::filesystem;
+using Json = nlohmann::ordered_json;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using Lines = std::vector<std::string>;
+
+TEST(ProgramSearchHome, FollowsChangesAndDeletions)
+{
+    ProgramHome home;
+    const auto titles = [&home](const std::string& word) {
+        Lines found;
+        std::istringstream lines(home.Run({"search", "--json", word}).out);
+        for (std::string line; std::getline(lines, line);)
+            found.push_back(Json::parse(line)["title"]);
+        return found;
+    };
+    const std::vector<uint32_t> ids = home.Put(
+        "mail.vlt",
+        "{\"items\": {\"Form\": \"Memo\", \"Subject\": \"first quince\", \"PostedDate\": {\"time\": \"2007-03-05\"}}}\n"
+        "{\"items\": {\"Form\": \"Memo\", \"Subject\": \"other quince\", \"PostedDate\": {\"time\": "
+        "\"2007-03-04\"}}}\n");
+    home.Enable();
+    (void)home.Index();
+    EXPECT_THAT(titles("quince"), ElementsAre("first quince", "other quince"));
+
+    Json note = home.RunJson({"note", "get", "--db", "mail.vlt", "--json", std::to_string(ids[0])});
+    note["items"]["Subject"] = "third medlar";  // as long as it was
+    note.erase("modified");
+    (void)home.Put("mail.vlt", note.dump());
+    (void)home.Index();
+    EXPECT_THAT(titles("medlar"), ElementsAre("third medlar"));
+    EXPECT_THAT(titles("quince"), ElementsAre("other quince"));
+
+    ASSERT_EQ(home.Run({"note", "delete", "--db", "mail.vlt", std::to_string(ids[1])}).exit, 0);
+    (void)home.Index();
+    EXPECT_THAT(titles("quince"), ElementsAre());
+    EXPECT_THAT(titles("medlar"), ElementsAre("third medlar"));
+}
+
+TEST(ProgramSearchHome, MayBeCalledAnythingAndLeavesTheUsersOwnSearchAlone)
+{
+    ProgramHome place;
+    const std::string home = place.Path("a b/.cache/\"q\" \\ tmp/Ä#");
+    const std::string own = place.Path("own");
+    fs::create_directories(home);
+    fs::create_directory(own);
+    WriteWholeFile(place.Path("note"),
+                   R"({"items": {"Form": "Memo", "Subject": "quince"}, "modified": "2007-03-05T12:00:00Z"})");
+    const auto run = [&](Lines arguments) {
+        arguments.insert(arguments.begin(), {"env", "HOME=" + own, TORVIK_BINARY_DIR "/bin/pavex", "--home", home});
+        const ProgramResult result = Process(arguments, place.Path("run")).Wait();
+        EXPECT_EQ(result.exit, 0) << result.err;
+        return result.out;
+    };
+    (void)run({"note", "put", "--db", "mail.vlt", place.Path("note")});
+    (void)run({"settings", "--enable", "--drafts", "on", "--yes"});
+    (void)run({"index", "--full-speed"});
+    EXPECT_THAT(run({"search", "quince"}), HasSubstr("mail  2007-03-0"));
+    EXPECT_TRUE(fs::is_empty(own));
+}
+
+TEST(ProgramSearchHome, SaysWhatIsMissing)
+{
+    ProgramHome home;
+    ExpectOneClearLine(home.Run({"search", "zebra"}), 1, {"nothing is indexed yet", "pavex index"});
+    for (const Lines& wrong : std::vector<Lines>{{"search"},
+                                                 {"search", "--after", "yesterday", "x"},
+                                                 {"search", "--before", "2007-02-30", "x"},
+                                                 {"search", "--kind", "memo", "x"},
+                                                 {"search", "--limit", "0", "x"},
+                                                 {"open"}}) {
+        const ProgramResult result = home.Run(wrong);
+        EXPECT_EQ(result.exit, 2) << testing::PrintToString(wrong);
+        EXPECT_EQ(result.out, "");
+        EXPECT_NE(result.err, "");
+    }
+    home.ImportSample();
+    (void)home.Index();
+    Process without(
+        {"env", "PATH=/nowhere", TORVIK_BINARY_DIR "/bin/pavex", "--home", home.Path("home"), "search", "x"},
+        home.Path("without"));
+    ExpectOneClearLine(without.Wait(), 1, {"Recoll is not installed", "recollcmd"});
+}
+
+}  // namespace
+}  // namespace pavex
