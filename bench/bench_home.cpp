@@ -99,18 +99,23 @@ void BenchHome::Set(const std::string& variable, const std::string& value)
         throw std::runtime_error("cannot write the ini file");
 }
 
-void MakeMailbox(const std::string& path, int count)
+void MakeDatabase(const std::string& path, int count, pavex::Note (*make)(int number))
 {
     std::unique_ptr<pavex::Database> database;
     Require(pavex::Database::Create(path, "Bench", &database));
     for (int done = 0; done < count;) {
         Require(database->Begin());
         for (int i = 0; i < kNotesPerTransaction && done < count; ++i, ++done) {
-            pavex::Note note = Message(done);
+            pavex::Note note = make(done);
             Require(database->Put(&note));
         }
         Require(database->Commit());
     }
+}
+
+void MakeMailbox(const std::string& path, int count)
+{
+    MakeDatabase(path, count, Message);
 }
 
 void ChangeNotes(const std::string& path, int count)

@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "client/store/note.h"
+
 // A home in a new temporary folder, removed at the end; the client's host runs on it.
 class BenchHome {
 public:
@@ -23,7 +25,9 @@ private:
     std::filesystem::path folder_;
 };
 
-// A database of `count` messages of about 2 KB each, in transactions of some thousands.
+// A database of `count` notes, each made from its number, in transactions of some thousands.
+void MakeDatabase(const std::string& path, int count, pavex::Note (*make)(int number));
+// The same of messages of about 2 KB.
 void MakeMailbox(const std::string& path, int count);
 // Changes the subjects of `count` notes spread over the database.
 void ChangeNotes(const std::string& path, int count);
