@@ -5,6 +5,7 @@
 #include <QListWidget>
 #include <QPushButton>
 
+#include "addin/lifecycle.h"
 #include "client/windows/dialog_resources.h"
 #include "settings/progress.h"
 #include "settings/settings.h"
@@ -215,32 +216,109 @@ TEST_F(ControlsInWindow, AddTellsWhyAFileIsNoDatabase)
     EXPECT_EQ(Boxes()[0].buttons, (std::vector<std::string>{"OK"}));
 }
 
-TEST_F(ControlsInWindow, RemoveTakesOneAfterTheOther)
+TEST_F(ControlsInWindow, RemoveTakesTheSelectedOneAndSelectsTheOneBeforeIt)
 {
-    const std::vector<std::string> paths = SaveDatabases(3);
+    const std::vector<std::string> paths = SaveDatabases(5);
     Open([&] {
-        ClickEntry(1);
+        ClickEntry(3);
         Click(kButtonRemove);
-        EXPECT_EQ(Entries(), (std::vector<std::string>{paths[0], paths[2]}));
-        EXPECT_EQ(SelectedRow(), 0);
+        EXPECT_EQ(Entries(), (std::vector<std::string>{paths[0], paths[1], paths[2], paths[4]}));
+        EXPECT_EQ(SelectedRow(), 2);
+        EXPECT_EQ(Model(kListDatabases).selected, 2);
         Click(kButtonRemove);
-        EXPECT_EQ(Entries(), (std::vector<std::string>{paths[2]}));
+        EXPECT_EQ(Entries(), (std::vector<std::string>{paths[0], paths[1], paths[4]}));
+        EXPECT_EQ(SelectedRow(), 1);
+    });
+}
+
+TEST_F(ControlsInWindow, RemovingTheFirstOfSeveralSelectsTheNewFirst)
+{
+    const std::vector<std::string> paths = SaveDatabases(4);
+    Open([&] {
         EXPECT_EQ(SelectedRow(), 0);
+        for (size_t gone = 1; gone < paths.size(); ++gone) {
+            Click(kButtonRemove);
+            EXPECT_EQ(Entries(), (std::vector<std::string>{paths.begin() + static_cast<long>(gone), paths.end()}));
+            EXPECT_EQ(SelectedRow(), 0);
+            EXPECT_EQ(The<QListWidget>(kListDatabases)->selectedItems().size(), 1);
+            EXPECT_TRUE(IsUsable(kButtonApply));
+        }
+    });
+    EXPECT_EQ(Slots(), paths) << "cancelled, so not saved";
+}
+
+TEST_F(ControlsInWindow, RemovingTheLastOneLeavesNothingToRemoveAndOkSavesNone)
+{
+    SaveDatabases(1);
+    Open([&] {
         Click(kButtonRemove);
         EXPECT_TRUE(Entries().empty());
+        EXPECT_EQ(SelectedRow(), -1);
         EXPECT_FALSE(IsUsable(kButtonRemove));
         EXPECT_TRUE(IsUsable(kButtonAdd));
+        EXPECT_TRUE(QTest::qWaitFor([&] { return !Widget(kTextSelectedStatus)->isVisible(); }));
+        Click(kButtonOk);
     });
+    EXPECT_TRUE(Slots().empty());
+}
+
+TEST_F(ControlsInWindow, ProposeMailAndAddressBookWithoutSavedDatabasesAndApplyCanBePressedAtOnce)
+{
+    SetIni("MailFile", "mail.vlt");
+    const std::vector<std::string> proposed = {MakeDatabase("mail.vlt"), MakeDatabase("names.vlt")};
+    Open([&] {
+        EXPECT_EQ(Entries(), proposed);
+        EXPECT_EQ(SelectedRow(), 0);
+        EXPECT_EQ(Text(kTextSelectedStatus), "<193><157>");
+        EXPECT_TRUE(IsUsable(kButtonApply));
+        Click(kButtonApply);
+        EXPECT_EQ(Slots(), proposed);
+        EXPECT_FALSE(IsUsable(kButtonApply));
+        EXPECT_TRUE(Window().isVisible());
+    });
+    Open([&] { EXPECT_EQ(Entries(), proposed) << "now saved"; });
+}
+
+TEST_F(ControlsInWindow, ProposeNothingThatIsNotThere)
+{
+    SetIni("MailFile", "mail.vlt");
+    const std::string names = MakeDatabase("names.vlt");
+    Open([&] { EXPECT_EQ(Entries(), std::vector<std::string>{names}); });
 }
 
 TEST_F(ControlsInWindow, AddIsDisabledWhenTheListIsFull)
 {
-    SaveDatabases(15);
+    SaveDatabases(14);
+    const std::string last = MakeDatabase("last.vlt");
+    NextChooser(Choose(last));
     Open([&] {
+        EXPECT_TRUE(IsUsable(kButtonAdd));
+        Click(kButtonAdd);
+        EXPECT_EQ(Entries().size(), 15U);
         EXPECT_FALSE(IsUsable(kButtonAdd));
         Click(kButtonRemove);
         EXPECT_TRUE(IsUsable(kButtonAdd));
+        Click(kButtonCancel);
     });
+    SetDbPath(14, last.c_str());
+    Open([&] { EXPECT_FALSE(IsUsable(kButtonAdd)) << "full as it opens"; });
+}
+
+TEST_F(ControlsInWindow, AddTellsWhenTheListTakesNoMore)
+{
+    SaveDatabases(1);
+    NextChooser(Choose(MakeDatabase("one-too-many.vlt")));
+    NextBox(Answer(QMessageBox::Ok));
+    Open([&] {
+        while (UIXListboxAddItem(Handle(), kListDatabases, "x") >= 0)
+            continue;
+        Click(kButtonAdd);
+    });
+    ASSERT_EQ(Boxes().size(), 1U);
+    EXPECT_EQ(Boxes()[0].text, "<261>");
+    EXPECT_EQ(Boxes()[0].caption, "<260>");
+    EXPECT_EQ(Boxes()[0].icon, QMessageBox::NoIcon);
+    EXPECT_EQ(Boxes()[0].buttons, (std::vector<std::string>{"OK"}));
 }
 
 TEST_F(ControlsInWindow, TheFrequencyTakesTwoCharacters)
@@ -259,21 +337,49 @@ TEST_F(ControlsInWindow, TheFrequencyTakesTwoCharacters)
     });
 }
 
-TEST_F(ControlsInWindow, ApplySavesStaysOpenAndUnchecksTheReindexBox)
+TEST_F(ControlsInWindow, ApplySavesAndStaysOpen)
 {
     SaveDatabases(1);
     const long result = Open([&] {
         Click(kCheckIdle);
-        Click(kCheckReindex);
         Click(kButtonApply);
         EXPECT_TRUE(Window().isVisible());
-        EXPECT_FALSE(The<QCheckBox>(kCheckReindex)->isChecked());
         EXPECT_FALSE(IsUsable(kButtonApply));
         EXPECT_TRUE(IsIdleIndexing());
         Click(kButtonCancel);
     });
     EXPECT_EQ(result, kButtonCancel);
     EXPECT_TRUE(IsIdleIndexing());
+    EXPECT_EQ(bStopAndReset, 0);
+}
+
+TEST_F(ControlsInWindow, ApplyingTheReindexBoxResetsTheIndexAndUnchecksIt)
+{
+    SaveDatabases(1);
+    const TIMEDATE since = SomeTime(9);
+    SetDbTimestamp(0, &since, nullptr, 0, 0, 0);
+    Open([&] {
+        Click(kCheckReindex);
+        EXPECT_EQ(bStopAndReset, 0) << "not before Apply";
+        Click(kButtonApply);
+        EXPECT_EQ(bStopAndReset, 1);
+        EXPECT_EQ(Ini("GDSTimestamp"), "");
+        EXPECT_FALSE(The<QCheckBox>(kCheckReindex)->isChecked());
+        EXPECT_FALSE(IsUsable(kButtonApply));
+        EXPECT_TRUE(Window().isVisible());
+    });
+}
+
+TEST_F(ControlsInWindow, TheReindexBoxResetsNothingWhenIndexingIsSwitchedOffWithIt)
+{
+    SaveDatabases(1);
+    Open([&] {
+        Click(kCheckReindex);
+        Click(kCheckEnabled);
+        Click(kButtonApply);
+    });
+    EXPECT_FALSE(IsEnabled());
+    EXPECT_EQ(bStopAndReset, 0);
 }
 
 TEST_F(ControlsInWindow, TheReindexBoxAloneEnablesApply)

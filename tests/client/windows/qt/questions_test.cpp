@@ -4,6 +4,7 @@
 
 #include "addin/lifecycle.h"
 #include "platform/windows.h"
+#include "settings/progress.h"
 #include "settings/settings.h"
 #include "tests/client/windows/qt/window_fixture.h"
 
@@ -49,6 +50,21 @@ TEST_F(QuestionsInWindow, DecliningTheNoticeLeavesIndexingOff)
     }
 }
 
+TEST_F(QuestionsInWindow, NoNoticeIsShownWhereItIsSkipped)
+{
+    SaveDatabases(1);
+    for (const char* const variable : {"GoogleSkipLegal", "GoogleBuildQuorvex"}) {
+        SCOPED_TRACE(variable);
+        SetIni(variable, "1");
+        Open([&] {
+            Click(kCheckEnabled);
+            EXPECT_TRUE(Widget(kCheckDrafts)->isEnabled());
+        });
+        SetIni(variable, "0");
+    }
+    EXPECT_TRUE(Boxes().empty());
+}
+
 TEST_F(QuestionsInWindow, ReturnAcceptsTheNotice)
 {
     SaveDatabases(1);
@@ -85,6 +101,91 @@ TEST_F(ReindexQuestion, IsAskedWithAQuestionMarkAndOkAndCancel)
     EXPECT_EQ(Sorted(Boxes()[0].buttons), kOkAndCancel);
     EXPECT_TRUE(IsIndexingEncrypted());
     EXPECT_NE(bStopAndReset, 0);
+}
+
+struct AskingRow {
+    const char* variable;
+    int control;
+    bool checkedBefore;
+    bool asks;
+};
+constexpr AskingRow kAsking[] = {
+    {"GDSIndexEncrypted", kCheckEncrypted, true, true},    {"GDSIndexEncrypted", kCheckEncrypted, false, true},
+    {"GDSIndexDrafts", kCheckDrafts, true, true},          {"GDSIndexDrafts", kCheckDrafts, false, true},
+    {"GDSIndexDiscussion", kCheckDiscussion, true, false}, {"GDSIndexDiscussion", kCheckDiscussion, false, true},
+    {"GDSIndexOnIdle", kCheckIdle, false, false},          {"GDSIndexOnIdle", kCheckIdle, true, false},
+};
+
+TEST_F(ReindexQuestion, IsAskedForWhatChangesNotesThatAreIndexedAndForNothingElse)
+{
+    for (const AskingRow& row : kAsking) {
+        SCOPED_TRACE(testing::Message() << row.variable << " was " << row.checkedBefore);
+        SetIni(row.variable, row.checkedBefore ? "1" : "0");
+        bStopAndReset = 0;
+        const size_t before = Boxes().size();
+        if (row.asks)
+            NextBox(Answer(QMessageBox::Ok));
+        EXPECT_EQ(Open([&] {
+                      EXPECT_EQ(The<QCheckBox>(row.control)->isChecked(), row.checkedBefore);
+                      Click(row.control);
+                      Click(kButtonOk);
+                  }),
+                  kButtonOk);
+        EXPECT_EQ(Boxes().size(), before + (row.asks ? 1 : 0));
+        EXPECT_EQ(bStopAndReset, row.asks ? 1 : 0);
+    }
+}
+
+TEST_F(ReindexQuestion, IsNotAskedOfWhoHasCheckedTheReindexBoxAlready)
+{
+    Open([&] {
+        Click(kCheckReindex);
+        Widen();
+    });
+    EXPECT_TRUE(Boxes().empty());
+    EXPECT_TRUE(IsIndexingEncrypted());
+    EXPECT_EQ(bStopAndReset, 1);
+}
+
+TEST_F(ReindexQuestion, IsNotAskedWhenIndexingIsSwitchedOffWithIt)
+{
+    Open([&] {
+        Click(kCheckEncrypted);
+        Click(kCheckEnabled);
+        Click(kButtonOk);
+    });
+    EXPECT_TRUE(Boxes().empty());
+    EXPECT_TRUE(IsIndexingEncrypted());
+    EXPECT_EQ(bStopAndReset, 0);
+}
+
+TEST_F(ReindexQuestion, IsNotAskedTheFirstTimeAfterRegistration)
+{
+    SetJustRegistered(1);
+    Open([&] { Widen(); });
+    EXPECT_TRUE(Boxes().empty());
+    EXPECT_TRUE(IsIndexingEncrypted());
+    EXPECT_EQ(JustRegistered(), 0);
+    EXPECT_EQ(bStopAndReset, 0);
+}
+
+TEST_F(ReindexQuestion, IsNotAskedOnceNoDatabaseIsLeft)
+{
+    Open([&] {
+        Click(kButtonRemove);
+        Widen();
+    });
+    EXPECT_TRUE(Boxes().empty());
+    EXPECT_TRUE(IsIndexingEncrypted());
+}
+
+TEST_F(ReindexQuestion, IsNotAskedForProposalsOfWhichNothingIsIndexed)
+{
+    SetDbPath(0, nullptr);
+    const std::string names = MakeDatabase("names.vlt");
+    Open([&] { Widen(); });
+    EXPECT_TRUE(Boxes().empty());
+    EXPECT_EQ(Slots(), std::vector<std::string>{names});
 }
 
 TEST_F(ReindexQuestion, DeclinedAbandonsTheSaveAndTheWindowStays)

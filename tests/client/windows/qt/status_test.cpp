@@ -1,5 +1,6 @@
 // tests/client/windows/qt/status_test.cpp: the status lines and the progress bar in the window.
 #include <QLabel>
+#include <QListWidget>
 #include <QProgressBar>
 
 #include "addin/lifecycle.h"
@@ -39,6 +40,68 @@ TEST_F(StatusInWindow, LinesSayWhatTheDialogSets)
         EXPECT_EQ(Line(kTextSelectedStatus), "<193><156>");
         for (const int id : {kTextOverallStatus, kTextActivityStatus, kTextSelectedStatus})
             EXPECT_TRUE(Widget(id)->isVisible()) << id;
+    });
+}
+
+TEST_F(StatusInWindow, WhileIndexingIsOffTheOverallLineSaysSoAndTheActivityLineIsHidden)
+{
+    Pass(1, 2);  // one that still ends
+    Open([&] {
+        EXPECT_TRUE(Widget(kTextActivityStatus)->isVisible());
+        Click(kCheckEnabled);
+        Click(kButtonApply);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return Line(kTextOverallStatus) == "<203><106>"; }));
+        EXPECT_TRUE(Widget(kTextOverallStatus)->isVisible());
+        EXPECT_FALSE(Widget(kTextActivityStatus)->isVisible());
+        EXPECT_FALSE(Bar().isVisible());
+    });
+    Open([&] {
+        EXPECT_EQ(Line(kTextOverallStatus), "<203><106>");
+        EXPECT_FALSE(Widget(kTextActivityStatus)->isVisible());
+    });
+}
+
+TEST_F(StatusInWindow, ADatabaseThatWasNeverIndexedSaysSo)
+{
+    Open([&] {
+        EXPECT_EQ(Line(kTextSelectedStatus), "<193><107>");
+        EXPECT_TRUE(Widget(kTextSelectedStatus)->isVisible());
+    });
+}
+
+TEST_F(StatusInWindow, AnInterruptedPassShowsHowFarItCameWhenItsDatabaseIsSelected)
+{
+    const TIMEDATE since = SomeTime(9);
+    const TIMEDATE until = SomeTime(10);
+    SetDbTimestamp(1, &since, &until, 1234, 30, 120);
+    Open([&] {
+        EXPECT_EQ(Line(kTextSelectedStatus), "<193><107>");
+        The<QListWidget>(kListDatabases)->setFocus();
+        Key(Qt::Key_Down);
+        EXPECT_EQ(Line(kTextSelectedStatus), "<193>110:30/120/25");
+    });
+}
+
+TEST_F(StatusInWindow, ADatabaseThatIsIndexedShowsUpToWhen)
+{
+    const TIMEDATE since = SomeTime(9);
+    SetDbTimestamp(0, &since, nullptr, 0, 0, 0);
+    GlobalContext.upToDate = 1;
+    Open([&] {
+        EXPECT_TRUE(Line(kTextSelectedStatus).starts_with("<193><108>2007-03-05")) << Line(kTextSelectedStatus);
+        EXPECT_TRUE(Line(kTextOverallStatus).starts_with("<203><108>2007-03-05")) << Line(kTextOverallStatus);
+    });
+}
+
+TEST_F(StatusInWindow, AHistoryPassHidesTheOverallLineAndItsNumbersStandWithTheDatabase)
+{
+    Pass(3, 12);
+    GlobalContext.historyActive = 1;
+    Open([&] {
+        EXPECT_FALSE(Widget(kTextOverallStatus)->isVisible());
+        EXPECT_EQ(Line(kTextSelectedStatus), "<193>110:3/12/25");
+        EXPECT_EQ(Line(kTextActivityStatus), "<202><185>");
+        EXPECT_TRUE(Widget(kTextActivityStatus)->isVisible());
     });
 }
 

@@ -36,6 +36,7 @@ protected:
 
     // Only while it is open.
     QDialog& Window() { return *window_; }
+    unsigned long Handle() { return frontEnd_.dialog->Window(); }  // as the C calls know it
     QWidget* Widget(int id);
     template <typename Kind> Kind* The(int id) { return dynamic_cast<Kind*>(Widget(id)); }
     const pavex::Control& Model(int id) { return *std::as_const(*frontEnd_.dialog).Find(id); }
