@@ -18,6 +18,7 @@ int RunDesktop()
     const std::unique_ptr<WindowFrontEnd> frontEnd = LoadWindowFrontEnd(signals.Get(), &error);
     if (frontEnd == nullptr)
         return Fail(error);
+    const DisplayGuard guard;
     const std::optional<InstanceLock> lock = InstanceLock::Take(&error);
     if (!lock)
         return Fail(error);

@@ -16,6 +16,7 @@ int ShowSettingsWindow()
     const std::unique_ptr<FrontEnd> frontEnd = LoadWindowFrontEnd(signals.Get(), &error);
     if (frontEnd == nullptr)
         return Fail(error);
+    const DisplayGuard guard;
     const std::unique_ptr<AddIn> addIn = AddIn::Load(&error);
     if (addIn == nullptr)
         return Fail(error);

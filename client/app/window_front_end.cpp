@@ -31,15 +31,45 @@ WindowColors ColorsChosen()
     return colors == "dark" ? WindowColors::Dark : colors == "light" ? WindowColors::Light : WindowColors::OfSystem;
 }
 
-// The toolkit cannot be torn down half made, so nothing is.
-void EndOnDisplayFailure(const char* reason)
+[[noreturn]] void EndAtOnce(const std::string& reason)
 {
-    const int status = Fail(WithTextWay(reason));
+    const int status = Fail(reason);
     std::cerr.flush();
     std::_Exit(status);
 }
 
+// The toolkit cannot be torn down half made, so nothing is.
+void EndOnDisplayFailure(const char* reason)
+{
+    EndAtOnce(WithTextWay(reason));
+}
+
+// The main thread's objects are the first that exit() destroys, before anything that another thread may use.
+struct MainThreadEnd {
+    bool windowsAreInUse = false;
+    MainThreadEnd() = default;
+    MainThreadEnd(const MainThreadEnd&) = delete;
+    MainThreadEnd& operator=(const MainThreadEnd&) = delete;
+    ~MainThreadEnd()
+    {
+        if (windowsAreInUse)
+            EndAtOnce("the display is gone, and the window with it; settings that were not saved are as they were, "
+                      "and the next start goes on indexing");
+    }
+};
+thread_local MainThreadEnd mainThreadEnd;
+
 }  // namespace
+
+DisplayGuard::DisplayGuard()
+{
+    mainThreadEnd.windowsAreInUse = true;
+}
+
+DisplayGuard::~DisplayGuard()
+{
+    mainThreadEnd.windowsAreInUse = false;
+}
 
 bool HasDisplay()
 {

@@ -16,4 +16,14 @@ std::string WithTextWay(const std::string& reason);
 // program with one line when the display that the environment names cannot be used: no thread may run yet.
 std::unique_ptr<WindowFrontEnd> LoadWindowFrontEnd(int closeRequest, std::string* error);
 
+// On the main thread, for as long as windows are shown: the toolkit calls exit() when it loses the display, and static
+// objects would be destroyed under the indexing thread.  The program then ends before that, with one line.
+class DisplayGuard {
+public:
+    DisplayGuard();
+    ~DisplayGuard();
+    DisplayGuard(const DisplayGuard&) = delete;
+    DisplayGuard& operator=(const DisplayGuard&) = delete;
+};
+
 }  // namespace pavex

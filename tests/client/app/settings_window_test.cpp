@@ -77,23 +77,6 @@ TEST_F(SettingsWindow, IndexesWhileItIsOpenAndEndsWellWhenAskedTo)
     EXPECT_THAT(Log(), HasSubstr("The indexing thread has ended"));
 }
 
-TEST_F(SettingsWindow, HarmsNothingWhenItIsKilled)
-{
-    home_.ImportSample();
-    const std::unique_ptr<Process> window = home_.Start({"settings"});
-    EXPECT_TRUE(Eventually([this] { return home_.CountMetafiles() > 0; }));
-    window->Signal(SIGKILL);
-    EXPECT_EQ(window->Wait().exit, 128 + SIGKILL);
-    home_.Index();
-    const Metafiles after = home_.ReadMetafiles();
-
-    ProgramHome untouched;
-    untouched.ImportSample();
-    untouched.Index();
-    EXPECT_EQ(after.size(), untouched.ReadMetafiles().size());
-    EXPECT_THAT(home_.OtherFiles(), testing::IsEmpty());
-}
-
 TEST_F(SettingsWindow, IndexesNothingBesideAClientThatIsAtWork)
 {
     home_.ImportSample();

@@ -1,0 +1,158 @@
+// tests/client/app/window_end_test.cpp: windows that are killed, that crash and that lose their display in the middle
+// of a pass: the indexing state is whole, and the next pass puts the rest right.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+
+#include <csignal>
+#include <fstream>
+#include <random>
+
+#include "tests/client/app/changing_notes.h"
+
+namespace pavex {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int kNotes = 60;
+constexpr int kEnds = 4;  // of each kind
+constexpr int kLongestMs = 60;
+
+// No core files from the crashes.
+class NoCores {
+public:
+    NoCores()
+    {
+        getrlimit(RLIMIT_CORE, &before_);
+        const rlimit none{0, before_.rlim_max};
+        setrlimit(RLIMIT_CORE, &none);
+    }
+    ~NoCores() { setrlimit(RLIMIT_CORE, &before_); }
+    NoCores(const NoCores&) = delete;
+    NoCores& operator=(const NoCores&) = delete;
+
+private:
+    rlimit before_{};
+};
+
+class WindowEnd : public testing::TestWithParam<const char*> {
+protected:
+    WindowEnd() : seed_(std::random_device()()), random_(seed_)
+    {
+        for (const char* const variable : {"DISPLAY", "WAYLAND_DISPLAY", "XAUTHORITY"})
+            unsetenv(variable);
+        setenv("QT_QPA_PLATFORM", "offscreen", 1);
+    }
+    ~WindowEnd() override { unsetenv("QT_QPA_PLATFORM"); }
+    void SetUp() override
+    {
+        if (!fs::exists(TORVIK_BINARY_DIR "/lib/libpavexqt.so"))
+            GTEST_SKIP() << "built without Qt";
+        PutFirstVersions(home_, kNotes);
+        home_.Enable();
+        // No pauses between notes, and a log entry for each.
+        std::ofstream(home_.Path("home/pavex.ini"), std::ios::app)
+            << "GoogleWaitTime=0\nGoogleDebug=1\nGoogleDebugLots=1\n";
+    }
+
+    // The settings, in a window of their own or in the client's, once notes are being indexed behind it.
+    std::unique_ptr<Process> OpenInAPass()
+    {
+        const size_t before = Log().size();
+        std::vector<std::string> command = {TORVIK_BINARY_DIR "/bin/pavex", "--home", home_.Path("home"), GetParam()};
+        if (GetParam() == std::string("desktop"))
+            command.insert(command.begin(), {"env", "LD_PRELOAD=" TORVIK_BINARY_DIR "/lib/libopens_dialog.so",
+                                             "ASAN_OPTIONS=verify_asan_link_order=0"});
+        auto window = std::make_unique<Process>(command, windows_.Path("window"));
+        EXPECT_TRUE(Eventually([&] { return Log().find("Indexing note", before) != std::string::npos; }));
+        return window;
+    }
+    void WaitALittle()
+    {
+        std::this_thread::sleep_for(
+            std::chrono::milliseconds(std::uniform_int_distribution<int>(0, kLongestMs)(random_)));
+    }
+    std::string Log() const
+    {
+        const std::string path = home_.Path("home/log/pavex.log");
+        return fs::exists(path) ? ReadWholeFile(path) : "";
+    }
+
+    const NoCores noCores_;
+    const unsigned seed_;
+    std::mt19937 random_;
+    ProgramHome home_;
+    ProgramHome windows_;  // its own folder for the output of the windows
+};
+INSTANTIATE_TEST_SUITE_P(In, WindowEnd, testing::Values("settings", "desktop"),
+                         [](const auto& command) { return std::string(command.param); });
+
+TEST_P(WindowEnd, ByAKillOrACrashHarmsNoIndexingState)
+{
+    SCOPED_TRACE(testing::Message() << "seed " << seed_);
+    {
+        const Changer changer(home_, kNotes, seed_);
+        for (int end = 0; end < kEnds; ++end) {
+            for (const int signal : {SIGKILL, SIGSEGV}) {
+                const std::unique_ptr<Process> window = OpenInAPass();
+                WaitALittle();
+                window->Signal(signal);
+                EXPECT_NE(window->Wait().exit, 0);
+            }
+        }
+    }
+    ExpectAWholePassPutsItRight(home_);
+}
+
+// An X server without a screen.
+class Display {
+public:
+    explicit Display(const ProgramHome& folder)
+        : out_(folder.Path("display")), server_({"Xvfb", "-displayfd", "1", "-nolisten", "tcp"}, out_)
+    {
+        EXPECT_TRUE(Eventually([this] { return ReadWholeFile(out_ + ".out").ends_with('\n'); }));
+        std::string number = ReadWholeFile(out_ + ".out");
+        setenv("DISPLAY", (":" + number.substr(0, number.find('\n'))).c_str(), 1);
+        setenv("QT_QPA_PLATFORM", "xcb", 1);
+    }
+    ~Display() { unsetenv("DISPLAY"); }
+    Display(const Display&) = delete;
+    Display& operator=(const Display&) = delete;
+
+    void Die()
+    {
+        server_.Signal(SIGTERM);
+        server_.Wait();
+    }
+
+private:
+    std::string out_;
+    Process server_;
+};
+
+bool IsInstalled(const std::string& program)
+{
+    return std::system(("command -v " + program + " >/dev/null").c_str()) == 0;
+}
+
+TEST_P(WindowEnd, ByTheDeathOfTheDisplayIsToldInOneLineAndHarmsNoIndexingState)
+{
+    if (!IsInstalled("Xvfb"))
+        GTEST_SKIP() << "there is no X server to kill (Debian package xvfb)";
+    SCOPED_TRACE(testing::Message() << "seed " << seed_);
+    {
+        const Changer changer(home_, kNotes, seed_);
+        for (int end = 0; end < kEnds; ++end) {
+            Display display(windows_);
+            const std::unique_ptr<Process> window = OpenInAPass();
+            WaitALittle();
+            display.Die();
+            ExpectOneClearLine(window->Wait(), 1, {"the display is gone", "not saved", "indexing"});
+        }
+    }
+    ExpectAWholePassPutsItRight(home_);
+}
+
+}  // namespace
+}  // namespace pavex
