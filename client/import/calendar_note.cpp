@@ -20,6 +20,7 @@ namespace {
 
 // Bytes of a text, and entries of a list, that its item can hold with room to spare.
 constexpr size_t kLongestText = 16000;
+constexpr size_t kLongestValue = 1000;  // one of a list
 constexpr size_t kMostEntries = 1000;
 
 constexpr int64_t kLongestDays = 36525;  // of a duration: a century
@@ -126,6 +127,7 @@ private:
 
     void AddText(const char* name, const std::string& text)
     {
+        TellCut(text, kLongestText);
         if (!text.empty())
             Add(TextItem(name, Utf8Prefix(text, kLongestText)));
     }
@@ -136,10 +138,18 @@ private:
         if (values.size() > kMostEntries)
             Tell("only " + std::to_string(kMostEntries) + " of its " + what + " were taken");
         values.resize(std::min(values.size(), kMostEntries));
-        for (std::string& value : values)
-            value = Utf8Prefix(value, kLongestText / 16);
+        for (std::string& value : values) {
+            TellCut(value, kLongestValue);
+            value = Utf8Prefix(value, kLongestValue);
+        }
         if (!values.empty())
             Add(TextListItem(name, values));
+    }
+
+    void TellCut(const std::string& text, size_t longest)
+    {
+        if (text.size() > longest)
+            Tell("a text of " + std::to_string(text.size()) + " bytes was cut after " + std::to_string(longest));
     }
 
     void Begin(const char* form)
@@ -172,11 +182,14 @@ private:
             const Misunderstood one = FindMisunderstood(change);
             all.rule = all.rule || one.rule;
             all.date = all.date || one.date;
+            all.duration = all.duration || one.duration;
         }
         if (all.rule)
             Tell("its repetition rule is not understood");
         if (all.date)
             Tell("one of its dates is not understood");
+        if (all.duration)
+            Tell("its duration is not understood");
         if (series_.shortened)
             Tell("a text of more than 1 MB was shortened");
     }

@@ -48,6 +48,7 @@ constexpr LossRow kLosses[] = {
     {ICAL_RDATE_PROPERTY, "RDATE", &Misunderstood::date},
     {ICAL_EXDATE_PROPERTY, "EXDATE", &Misunderstood::date},
     {ICAL_RECURRENCEID_PROPERTY, "RECURRENCE-ID", &Misunderstood::date},
+    {ICAL_DURATION_PROPERTY, "DURATION", &Misunderstood::duration},
 };
 
 // libical leaves an error in the place of a property: "Can't parse as RECUR value in RRULE property. ...".

@@ -25,6 +25,7 @@ std::string FirstText(icalcomponent* component, icalproperty_kind kind);
 struct Misunderstood {
     bool rule = false;
     bool date = false;
+    bool duration = false;
 };
 Misunderstood FindMisunderstood(icalcomponent* component);
 

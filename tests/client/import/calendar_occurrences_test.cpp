@@ -210,8 +210,23 @@ TEST_F(OccurrencesTest, SayThatTheyAreFewerWhereARuleOrADateIsNotUnderstood)
         FreshTimes(start + line + "\n");
         EXPECT_EQ(Notice(), "one of its dates is not understood") << line;
     }
+    for (const char* line : {"DURATION:an hour", "DURATION:P1H", "DURATION:1H"}) {
+        FreshTimes(start + line + "\n");
+        EXPECT_EQ(Notice(), "its duration is not understood") << line;
+    }
     FreshTimes(start + "RRULE:\nDTEND:\nRDATE:20070306T140000Z\n");
     EXPECT_EQ(Notice(), "");
+}
+
+TEST_F(OccurrencesTest, SayThatATextIsTooLongForItsItem)
+{
+    const std::string start = "DTSTART:20070305T140000Z\n";
+    FreshTimes(start + "SUMMARY:" + std::string(16000, 'x') + "\nCATEGORIES:" + std::string(1000, 'x') + "\n");
+    EXPECT_EQ(Notice(), "");
+    FreshTimes(start + "SUMMARY:" + std::string(16001, 'x') + "\n");
+    EXPECT_EQ(Notice(), "a text of 16001 bytes was cut after 16000");
+    FreshTimes(start + "CATEGORIES:" + std::string(1001, 'x') + "\n");
+    EXPECT_EQ(Notice(), "a text of 1001 bytes was cut after 1000");
 }
 
 TEST_F(OccurrencesTest, TakeARuleWithPartsThatNobodyKnows)
