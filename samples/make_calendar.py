@@ -9,6 +9,8 @@ the day on which the sample is read, but for what repeats without end.
 import pathlib
 import shutil
 
+from content_lines import escaped, folded
+
 HERE = pathlib.Path(__file__).resolve().parent
 CALENDAR = HERE / "calendar"
 
@@ -40,22 +42,6 @@ DTSTART:19700101T000000
 END:STANDARD
 END:VTIMEZONE
 """
-
-
-def escaped(text):
-    return text.replace("\\", "\\\\").replace("\n", "\\n").replace(",", "\\,").replace(";", "\\;")
-
-
-def folded(line, width=75):
-    """Lines of at most width bytes, cut between characters."""
-    pieces, piece = [], b""
-    for character in line:
-        raw = character.encode()
-        if len(piece) + len(raw) > width:
-            pieces.append(piece)
-            piece = b" "
-        piece += raw
-    return b"\r\n".join(pieces + [piece]) + b"\r\n"
 
 
 class Calendar:

@@ -8,25 +8,11 @@ The same bytes come out of every run, so that a change to this file is all that 
 import base64
 import pathlib
 
+from content_lines import escaped, folded
+
 HERE = pathlib.Path(__file__).resolve().parent
 CONTACTS = HERE / "contacts"
 PIXEL = base64.b64encode(bytes(range(1, 241))).decode()  # stands for a picture: any bytes do
-
-
-def escaped(text):
-    return text.replace("\\", "\\\\").replace("\n", "\\n").replace(",", "\\,").replace(";", "\\;")
-
-
-def folded(line, width=75):
-    """Lines of at most width bytes, cut between characters."""
-    pieces, piece = [], b""
-    for character in line:
-        raw = character.encode()
-        if len(piece) + len(raw) > width:
-            pieces.append(piece)
-            piece = b" "
-        piece += raw
-    return b"\r\n".join(pieces + [piece]) + b"\r\n"
 
 
 def quoted(text, charset):
