@@ -2,6 +2,7 @@
 #include "client/store/richtext.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "client/store/charset.h"
 #include "client/store/ods.h"
@@ -74,22 +75,32 @@ void RichTextBuilder::AddLink(const NOTELINK& link, std::string_view labelUtf8)
     records_ += label;
 }
 
-std::vector<RichTextPiece> ReadRichText(std::string_view records, bool* damaged)
+namespace {
+
+// Is told what stands in rich text, in order; each call answers whether the rest is wanted.
+class RecordReader {
+public:
+    virtual ~RecordReader() = default;
+    // A piece, SCS, of the paragraph that is open; it may end within a character.
+    virtual bool Text(std::string_view scs) = 0;
+    virtual bool EndOfParagraph() = 0;
+    virtual bool Rule() = 0;
+    virtual bool Link(std::string_view labelScs, const NOTELINK& link) = 0;
+};
+
+// False when a damaged record ended the text.
+bool ReadRecords(std::string_view records, RecordReader& reader)
 {
-    using Kind = RichTextPiece::Kind;
-    std::vector<RichTextPiece> pieces;
-    std::string scs;  // of the paragraph that is being read: its records may cut a character in two
+    RecordWalk walk(records);
     bool open = false;
+    bool wanted = true;
     const auto closeParagraph = [&] {
         if (open)
-            pieces.push_back({Kind::kParagraph, Utf8FromScs(scs), {}});
-        scs.clear();
+            wanted = reader.EndOfParagraph();
         open = false;
     };
 
-    RecordWalk walk(records);
-    bool broken = false;
-    for (Record record; !broken && walk.Next(&record);) {
+    for (Record record; wanted && walk.Next(&record);) {
         std::string_view text;
         NOTELINK link{};
         LinkReading reading;
@@ -99,75 +110,88 @@ std::vector<RichTextPiece> ReadRichText(std::string_view records, bool* damaged)
             open = true;
             break;
         case kRecordText:
-            broken = !TextOfRecord(record, &text);
-            open = open || !broken;
-            scs += text;
+            if (!TextOfRecord(record, &text)) {
+                closeParagraph();
+                return false;
+            }
+            open = true;
+            wanted = text.empty() || reader.Text(text);
             break;
         case kRecordRule:
             closeParagraph();
-            pieces.push_back({Kind::kRule, {}, {}});
+            wanted = wanted && reader.Rule();
             break;
         case kRecordLink:
             closeParagraph();
             reading = LinkOfRecord(record, &link, &text);
-            broken = reading == LinkReading::kDamaged;
-            if (reading == LinkReading::kNote)
-                pieces.push_back({Kind::kLink, Utf8FromScs(text), link});
+            if (reading == LinkReading::kDamaged)
+                return false;
+            wanted = wanted && (reading != LinkReading::kNote || reader.Link(text, link));
             break;
         default:  // records of other clients, which this one does not show
             break;
         }
     }
-    closeParagraph();
-    if (damaged != nullptr)
-        *damaged = broken || walk.Damaged();
-    return pieces;
-}
-
-bool VisitPlainText(std::string_view records, const std::function<bool(std::string_view piece, bool last)>& sink)
-{
-    RecordWalk walk(records);
-    bool open = false;
-    bool broken = false;
-    bool wanted = true;
-    const auto closeParagraph = [&] {
-        if (open)
-            wanted = sink({}, true);
-        open = false;
-    };
-
-    for (Record record; wanted && !broken && walk.Next(&record);) {
-        std::string_view text;
-        NOTELINK link;
-        LinkReading reading;
-        switch (record.signature) {
-        case kRecordParagraph:
-            closeParagraph();
-            open = true;
-            break;
-        case kRecordText:
-            broken = !TextOfRecord(record, &text);
-            open = open || !broken;
-            if (!text.empty())
-                wanted = sink(text, false);
-            break;
-        case kRecordRule:
-            closeParagraph();
-            wanted = wanted && sink({}, true);
-            break;
-        case kRecordLink:
-            closeParagraph();
-            reading = LinkOfRecord(record, &link, &text);
-            broken = reading == LinkReading::kDamaged;
-            wanted = wanted && (reading != LinkReading::kNote || sink(text, true));
-            break;
-        default:  // as above
-            break;
-        }
-    }
     if (wanted)
         closeParagraph();
-    return !broken && !walk.Damaged();
+    return !walk.Damaged();
+}
+
+class PieceReader : public RecordReader {
+public:
+    bool Text(std::string_view scs) override
+    {
+        paragraph_ += scs;
+        return true;
+    }
+    bool EndOfParagraph() override { return Take({RichTextPiece::Kind::kParagraph, Utf8FromScs(paragraph_), {}}); }
+    bool Rule() override { return Take({RichTextPiece::Kind::kRule, {}, {}}); }
+    bool Link(std::string_view labelScs, const NOTELINK& link) override
+    {
+        return Take({RichTextPiece::Kind::kLink, Utf8FromScs(labelScs), link});
+    }
+    std::vector<RichTextPiece>& Pieces() { return pieces_; }
+
+private:
+    bool Take(RichTextPiece piece)
+    {
+        pieces_.push_back(std::move(piece));
+        paragraph_.clear();
+        return true;
+    }
+
+    std::vector<RichTextPiece> pieces_;
+    std::string paragraph_;  // its pieces may cut a character in two
+};
+
+class PlainTextReader : public RecordReader {
+public:
+    explicit PlainTextReader(const PlainTextSink& sink) : sink_(sink) {}
+
+    bool Text(std::string_view scs) override { return sink_(scs, false); }
+    bool EndOfParagraph() override { return sink_({}, true); }
+    bool Rule() override { return sink_({}, true); }
+    bool Link(std::string_view labelScs, const NOTELINK&) override { return sink_(labelScs, true); }
+
+private:
+    const PlainTextSink& sink_;
+};
+
+}  // namespace
+
+std::vector<RichTextPiece> ReadRichText(std::string_view records, bool* damaged)
+{
+    PieceReader reader;
+    const bool whole = ReadRecords(records, reader);
+    if (damaged != nullptr)
+        *damaged = !whole;
+    return std::move(reader.Pieces());
+}
+
+bool VisitPlainText(std::string_view records, const PlainTextSink& sink)
+{
+    PlainTextReader reader(sink);
+    return ReadRecords(records, reader);
 }
 
 }  // namespace pavex

@@ -44,9 +44,10 @@ struct RichTextPiece {
 // (may be null) set.
 std::vector<RichTextPiece> ReadRichText(std::string_view records, bool* damaged = nullptr);
 
-// Streams the plain text of records, SCS, paragraph by paragraph (no line ends), in pieces of bounded size.
-// piece: part of a paragraph; last: the paragraph ends with it.  False from the sink ends the walk.
+// piece: part of a paragraph, SCS; last: the paragraph ends with it.  False: no more is wanted.
+using PlainTextSink = std::function<bool(std::string_view piece, bool last)>;
+// Streams the plain text of records, paragraph by paragraph (no line ends), in pieces of bounded size.
 // Returns false when a damaged record ended the text.
-bool VisitPlainText(std::string_view records, const std::function<bool(std::string_view piece, bool last)>& sink);
+bool VisitPlainText(std::string_view records, const PlainTextSink& sink);
 
 }  // namespace pavex
