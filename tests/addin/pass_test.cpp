@@ -172,17 +172,22 @@ TEST_F(Pass, AResetInterruptsThePassWithoutARecoveryRecord)
     EXPECT_EQ(GlobalContext.upToDate, 0);
 }
 
+// As the settings dialog does when one database is removed and another added.
+void GiveSlotTo(const Mailbox& other)
+{
+    SetDbPath(0, nullptr);
+    SetDbTimestamp(0, nullptr, nullptr, 0, 0, 0);
+    SetDbPath(0, other.Path().c_str());
+}
+
 TEST_F(Pass, ASlotGivenToAnotherDatabaseMeanwhileKeepsThatOnesProgress)
 {
     mail_.AddMany(10, "note");
     Mailbox other(PathOf("other.vlt"), "Other");
     SetVariable("GoogleDebugLots", "1");
     pavex::SetLogObserver([&other](const pavex::LogEntry& entry) {
-        if (entry.id == kLogNoteUrl && GlobalContext.processed == 4) {
-            SetDbPath(0, nullptr);
-            SetDbTimestamp(0, nullptr, nullptr, 0, 0, 0);
-            SetDbPath(0, other.Path().c_str());
-        }
+        if (entry.id == kLogNoteUrl && GlobalContext.processed == 4)
+            GiveSlotTo(other);
         return true;
     });
     IndexFile(0, false);
@@ -197,11 +202,8 @@ TEST_F(Pass, ASlotGivenAwayBeforeNothingWasFoundModifiedKeepsTheOtherDatabasesPr
     IndexFile(0, false);
     Mailbox other(PathOf("other.vlt"), "Other");
     pavex::SetLogObserver([&other](const pavex::LogEntry& entry) {
-        if (entry.id == kLogOpened) {
-            SetDbPath(0, nullptr);
-            SetDbTimestamp(0, nullptr, nullptr, 0, 0, 0);
-            SetDbPath(0, other.Path().c_str());
-        }
+        if (entry.id == kLogOpened)
+            GiveSlotTo(other);
         return true;
     });
     IndexFile(0, false);
