@@ -9,8 +9,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// First match counts: the build tree, then an installed system.
-constexpr const char* kLibraryFolders[] = {"../lib", "../lib/pavex"};
+// First match counts: an installed tree, whose folder is the program's alone, then the build tree.
+constexpr const char* kLibraryFolders[] = {"../lib/pavex", "../lib"};
 
 }  // namespace
 

@@ -8,7 +8,7 @@ namespace pavex {
 
 // The folder of the running program.
 std::filesystem::path ProgramFolder();
-// The path of a library that is loaded at run time: the build tree's, then an installed system's.  Where it
+// The path of a library that is loaded at run time: the installed tree's, else the build tree's.  Where it
 // would be when there is none.
 std::string FindLibrary(const std::string& name);
 

@@ -31,6 +31,7 @@ public:
     explicit ApplicationFrontEnd(const WindowPluginOptions& options) : application_(argumentCount_, arguments_)
     {
         QApplication::setApplicationName("pavex");
+        QApplication::setDesktopFileName("pavex-desktop");
         QApplication::setQuitOnLastWindowClosed(false);
         UseColors(options.colors);
         UseLanguage();
