@@ -68,8 +68,11 @@ std::string WhyNoDate(const std::string& text)
 SearchFolders FoldersOfHome()
 {
     const std::string& caches = CurrentPlaces().caches;
+    std::vector<std::string> opener = {(ProgramFolder() / "pavex").string()};
+    if (const std::string& home = CurrentPlaces().home; !home.empty())
+        opener.insert(opener.end(), {"--home", home});
     return {(ProgramFolder() / "../share/pavex/recoll").lexically_normal().string(), MetadataFolder(caches),
-            caches + "/pavex/search"};
+            caches + "/pavex/search", opener};
 }
 
 SearchRequest RequestOf(const SearchArguments& arguments)

@@ -11,6 +11,7 @@
 #include <sstream>
 
 #include "client/search/file_text.h"
+#include "client/search/kinds.h"
 #include "client/store/descriptor.h"
 
 namespace pavex {
@@ -83,6 +84,37 @@ bool Write(const std::string& path, const std::string& bytes, std::string* error
     return false;
 }
 
+// The opener's command line as the search window splits it; what follows the program is searched for places to fill.
+std::string OpenerLine(const std::vector<std::string>& opener)
+{
+    std::string line;
+    for (std::string word : opener) {
+        if (!line.empty())
+            ReplaceEach(&word, "%", "%%");
+        line += "\"" + InQuotes(word) + "\" ";
+    }
+    return line + "open %(uri)";
+}
+
+// What a click on a result runs: the kinds are exceptions from what the desktop has for files.
+std::string ViewerSettings(const std::vector<std::string>& opener)
+{
+    std::string types;
+    std::string lines;
+    for (const SearchKind& kind : kSearchKinds) {
+        types += std::string(" ") + kind.mediaType;
+        lines += std::string(kind.mediaType) + " = " + OpenerLine(opener) + "\n";
+    }
+    return "xallexcepts =" + types + "\n[view]\n" + lines;
+}
+
+bool WriteViewers(const SearchFolders& folders, std::string* error)
+{
+    const std::string path = folders.home + "/mimeview";
+    const std::string wanted = ViewerSettings(folders.opener);
+    return folders.opener.empty() || ReadFileText(path) == wanted || Write(path, wanted, error);
+}
+
 }  // namespace
 
 std::string MetadataFolder(const std::string& caches)
@@ -103,7 +135,7 @@ bool WriteConfiguration(const SearchFolders& folders, std::string* error)
         wanted.append(name).append("\n").append(text);
     const std::string writtenPath = folders.home + "/" + kWrittenName;
     if (ReadFileText(writtenPath) == wanted)
-        return true;
+        return WriteViewers(folders, error);
     std::error_code failed;
     fs::remove_all(folders.home, failed);
     fs::create_directories(folders.home, failed);
@@ -114,7 +146,7 @@ bool WriteConfiguration(const SearchFolders& folders, std::string* error)
     for (const auto& [name, text] : files)
         if (!Write(folders.home + "/" + name, text, error))
             return false;
-    return Write(writtenPath, wanted, error);
+    return Write(writtenPath, wanted, error) && WriteViewers(folders, error);
 }
 
 std::set<std::string> ReadFieldNames(const SearchFolders& folders)

@@ -135,7 +135,8 @@ Places FindPlaces(const std::string& homeOption)
         home = Absolute(home);
         while (home.size() > 1 && home.ends_with('/'))
             home.pop_back();
-        return {home + "/pavex.ini", home + "/policy.ini", home + "/data", home + "/caches", home + "/log/pavex.log"};
+        return {home + "/pavex.ini", home + "/policy.ini",    home + "/data",
+                home + "/caches",    home + "/log/pavex.log", home};
     }
     return {XdgFolder("XDG_CONFIG_HOME", "/.config") + "/pavex/pavex.ini", "/etc/pavex/policy.ini",
             XdgFolder("XDG_DATA_HOME", "/.local/share") + "/pavex", XdgFolder("XDG_CACHE_HOME", "/.cache"),

@@ -12,11 +12,12 @@ namespace pavex {
 
 // Where things are; native paths.
 struct Places {
-    std::string ini;     // pavex.ini
-    std::string policy;  // policy.ini
-    std::string data;    // data directory
-    std::string caches;  // the user's caches folder; empty: none
-    std::string log;     // pavex.log
+    std::string ini;        // pavex.ini
+    std::string policy;     // policy.ini
+    std::string data;       // data directory
+    std::string caches;     // the user's caches folder; empty: none
+    std::string log;        // pavex.log
+    std::string home = {};  // the folder that all of them are below; empty: the XDG folders
 };
 // homeOption: --home, else $PAVEX_HOME, else the XDG folders.
 Places FindPlaces(const std::string& homeOption);

@@ -83,6 +83,32 @@ TEST_F(Configuration, IsWrittenAnewWithoutAnIndexWhenTheMetafilesMoved)
     EXPECT_THAT(Text("recoll.conf"), HasSubstr("topdirs = \"/other/Spotlight\"\n"));
 }
 
+TEST_F(Configuration, HasTheSearchWindowOpenEveryKindOfNoteByItsUrl)
+{
+    folders_.opener = {"/o \"p%q/pavex", "--home", "/h 5%"};
+    Write();
+    const std::string viewers = Text("mimeview");
+    const std::string exceptions = viewers.substr(0, viewers.find('\n')) + " ";
+    EXPECT_TRUE(exceptions.starts_with("xallexcepts = "));
+    for (const SearchKind& kind : kSearchKinds) {
+        EXPECT_THAT(exceptions, HasSubstr(std::string(" ") + kind.mediaType + " "));
+        EXPECT_THAT(viewers, HasSubstr(std::string(kind.mediaType) +
+                                       " = \"/o \\\"p%q/pavex\" \"--home\" \"/h 5%%\" open %(uri)\n"));
+    }
+}
+
+TEST_F(Configuration, KeepsItsIndexWhenTheProgramMoved)
+{
+    folders_.opener = {"/one/pavex"};
+    Write();
+    fs::create_directory(folders_.home + "/xapiandb");
+    folders_.opener = {"/two/pavex"};
+    Write();
+    EXPECT_TRUE(fs::exists(folders_.home + "/xapiandb"));
+    EXPECT_THAT(Text("mimeview"), HasSubstr("\"/two/pavex\" open"));
+    EXPECT_THAT(Text("mimeview"), Not(HasSubstr("/one/")));
+}
+
 TEST_F(Configuration, SaysWhatIsMissing)
 {
     folders_.templates = "/nowhere";
