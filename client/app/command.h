@@ -4,6 +4,7 @@
 
 #include <CLI/CLI.hpp>
 #include <functional>
+#include <map>
 #include <span>
 #include <string>
 
@@ -36,6 +37,11 @@ CommandFunction ConfigureRun(CLI::App& options);
 CommandFunction ConfigureSearch(CLI::App& options);
 CommandFunction ConfigureSettings(CLI::App& options);
 CommandFunction ConfigureStatus(CLI::App& options);
+
+// Declares every option and command of the program.
+//   home  gets the value of --home; has to live as long as the program's options.
+// Returns what runs for each command.
+std::map<const CLI::App*, CommandFunction> ConfigureProgram(CLI::App& program, std::string* home);
 
 // The whole program: parses, starts the host, runs the command.
 int RunProgram(int argc, char** argv);

@@ -3,7 +3,6 @@
 
 #include <filesystem>
 #include <iostream>
-#include <map>
 
 #include "client/app/command.h"
 #include "client/foundation/host.h"
@@ -58,19 +57,26 @@ std::string DatabasePath(const std::string& name)
     return (fs::path(CurrentPlaces().data) / name).string();
 }
 
-int RunProgram(int argc, char** argv)
+std::map<const CLI::App*, CommandFunction> ConfigureProgram(CLI::App& program, std::string* home)
 {
-    CLI::App program("A small portable Pavex client that keeps your notes findable in the desktop search.", "pavex");
+    program.name("pavex");
+    program.description("A small portable Pavex client that keeps your notes findable in the desktop search.");
     program.require_subcommand(1);
-    program.set_version_flag("--version", "pavex 0.1.0");
-    std::string home;
-    program.add_option("--home", home, "keep settings, data, caches and log below this folder")->type_name("DIR");
-
+    program.set_version_flag("--version", "pavex " TORVIK_VERSION);
+    program.add_option("--home", *home, "keep settings, data, caches and log below this folder")->type_name("DIR");
     std::map<const CLI::App*, CommandFunction> functions;
     for (const CommandRow& row : kCommands) {
         CLI::App* const options = program.add_subcommand(row.name, row.summary);
         functions[options] = row.configure(*options);
     }
+    return functions;
+}
+
+int RunProgram(int argc, char** argv)
+{
+    CLI::App program;
+    std::string home;
+    const std::map<const CLI::App*, CommandFunction> functions = ConfigureProgram(program, &home);
     try {
         program.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

@@ -52,5 +52,11 @@ class InstalledTree(unittest.TestCase):
                           for path in (share / "pavex/torvik").rglob("*.strings")}, texts)
 
 
+    def test_completes_in_every_shell(self):
+        for path in ("bash-completion/completions/pavex", "fish/vendor_completions.d/pavex.fish",
+                     "zsh/site-functions/_pavex"):
+            self.assertIn("pavex", (self.tree.prefix / "share" / path).read_text(), path)
+
+
 if __name__ == "__main__":
     unittest.main()
