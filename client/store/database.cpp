@@ -280,6 +280,25 @@ STATUS Database::SaveStub(uint32_t id)
     return engine_->WriteRow(&row, {}, {});
 }
 
+STATUS Database::Touch(uint32_t id)
+{
+    return Write([&] { return SaveStamp(id); });
+}
+
+STATUS Database::SaveStamp(uint32_t id)
+{
+    NoteRow row;
+    STATUS status = engine_->ReadRow(id, false, &row);
+    if (status == 0 && (row.flags & kRowDeleted) != 0)
+        status = kStatusNoteDeleted;
+    if (status == 0)
+        status = TakeStamp(row.noteClass);
+    if (status != 0)
+        return status;
+    row.stamp = pending_->lastStamp;
+    return engine_->WriteStamp(row);
+}
+
 STATUS Database::Get(uint32_t id, Note* note)
 {
     NoteRow row;

@@ -70,6 +70,9 @@ public:
     void Unseal(bool unseal = true) { unseal_ = unseal; }
     std::optional<uint32_t> FindUnid(const UNID& unid);  // a live note's
     STATUS Delete(uint32_t id);                          // leaves a stub
+    // Gives a live note a new change stamp and leaves all else of it as it is, its modification time and
+    // sequence too: whoever asks for what changed is told of it again.  549, 551 or 518.
+    STATUS Touch(uint32_t id);
     // Calls back in id order, with any calls allowed in the callback; false from it ends the walk.  Notes
     // that are damaged beyond their identity are passed over.
     STATUS List(const std::function<bool(const NoteSummary&)>& callback);
@@ -105,6 +108,7 @@ private:
     STATUS Identify(Note* note, NoteRow* row);
     STATUS SaveNote(Note* note);
     STATUS SaveStub(uint32_t id);
+    STATUS SaveStamp(uint32_t id);
 
     std::string path_;
     std::unique_ptr<Engine> engine_;

@@ -66,6 +66,8 @@ public:
     // titles: what a design note is found by.  A deleted row is nobody's unread note.
     virtual STATUS WriteRow(NoteRow* row, const std::vector<LargeValue>& values,
                             const std::vector<std::string>& titles) = 0;
+    // Writes the stamp of a row that was read, and nothing else of it.
+    virtual STATUS WriteStamp(const NoteRow& row) = 0;
     virtual STATUS FindUnid(const UNID& unid, uint32_t* id) = 0;  // stubs too; 551
     // All rows without their items, by ascending id; unreadable ones are passed over.
     virtual STATUS ListRows(const std::function<bool(const NoteRow&)>& callback) = 0;

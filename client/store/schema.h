@@ -58,6 +58,7 @@ CREATE INDEX source_keys ON source(source, key);
     ROW(kWriteRow, "INSERT INTO note(id, unid, sequence, modified, class, flags, stamp, checksum, items) "             \
                    "VALUES(?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9) ON CONFLICT(id) DO UPDATE SET unid = ?2, "              \
                    "sequence = ?3, modified = ?4, class = ?5, flags = ?6, stamp = ?7, checksum = ?8, items = ?9")      \
+    ROW(kWriteStamp, "UPDATE note SET stamp = ?2, checksum = ?3 WHERE id = ?1")                                        \
     ROW(kReadValue, "SELECT checksum, bytes FROM value WHERE id = ?1")                                                 \
     ROW(kWriteValue, "INSERT INTO value(id, checksum, bytes) VALUES(?1, ?2, ?3)")                                      \
     ROW(kDeleteValues, "DELETE FROM value WHERE id BETWEEN ?1 << 32 AND (?1 << 32) + 4294967295")                      \

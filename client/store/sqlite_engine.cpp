@@ -232,6 +232,15 @@ STATUS SqliteEngine::WriteRowParts(NoteRow* row, const std::vector<LargeValue>& 
     return status;
 }
 
+STATUS SqliteEngine::WriteStamp(const NoteRow& row)
+{
+    return connection_->Use(Sql::kWriteStamp)
+        .Bind(1, int64_t{row.id})
+        .Bind(2, static_cast<int64_t>(row.stamp))
+        .Bind(3, static_cast<int64_t>(HeadChecksum(row)))
+        .Run();
+}
+
 STATUS SqliteEngine::FindUnid(const UNID& unid, uint32_t* id)
 {
     Query query = connection_->Use(Sql::kFindUnid);

@@ -27,6 +27,7 @@ public:
     STATUS ReadValue(uint32_t id, uint32_t position, std::string* bytes) override;
     STATUS WriteRow(NoteRow* row, const std::vector<LargeValue>& values,
                     const std::vector<std::string>& titles) override;
+    STATUS WriteStamp(const NoteRow& row) override;
     STATUS FindUnid(const UNID& unid, uint32_t* id) override;
     STATUS ListRows(const std::function<bool(const NoteRow&)>& callback) override;
     STATUS CountLive(uint64_t* count) override;

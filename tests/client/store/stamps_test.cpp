@@ -44,6 +44,38 @@ TEST_F(StampsTest, GoOnByOneTickWhenTheClockStandsStillOrGoesBack)
     SetClock(&clock_);
 }
 
+TEST_F(StampsTest, AreGivenAnewToANoteThatIsTouchedAndNothingElseOfItChanges)
+{
+    TestDatabase data(NewPath());
+    const uint32_t id = data.AddNote({TextItem("Subject", "a"), TextItem("Body", std::string(100'000, 'x'))});
+    data.AddNote({});
+    data.SetUnread("Ann", id);
+    const Note before = data.Get(id);
+    const TIMEDATE since = data.LastChange();
+    clock_.Advance(60'000);
+    EXPECT_EQ(data.database().Touch(id), 0);
+    OpenedDatabase opened(data.Path());
+    EXPECT_THAT(ChangesSince(opened, since).ids, ElementsAre(id));
+    const Note after = data.Get(id);
+    EXPECT_EQ(after.items, before.items);
+    EXPECT_EQ(after.modified, before.modified);
+    EXPECT_EQ(after.sequence, before.sequence);
+    bool isUnread = false;
+    EXPECT_EQ(data.database().IsUnread("Ann", id, &isUnread), 0);
+    EXPECT_TRUE(isUnread);
+}
+
+TEST_F(StampsTest, AreNotGivenToNotesThatAreNotThere)
+{
+    TestDatabase data(NewPath());
+    const uint32_t id = data.AddNote({});
+    data.Delete(id);
+    const TIMEDATE since = data.LastChange();
+    EXPECT_EQ(data.database().Touch(id), kStatusNoteDeleted);
+    EXPECT_EQ(data.database().Touch(99), kStatusNoSuchNote);
+    EXPECT_EQ(data.LastChange(), since);
+}
+
 TEST_F(StampsTest, AreOneForAllOfATransaction)
 {
     TestDatabase data(NewPath());
