@@ -27,6 +27,7 @@ struct CommandRow {
 };
 std::span<const CommandRow> Commands();
 
+CommandFunction ConfigureCheck(CLI::App& options);
 CommandFunction ConfigureDesktop(CLI::App& options);
 CommandFunction ConfigureHistory(CLI::App& options);
 CommandFunction ConfigureImport(CLI::App& options);

@@ -23,6 +23,7 @@ constexpr CommandRow kCommands[] = {
     {"search", "find notes by their words, through the desktop search", ConfigureSearch},
     {"open", "show the note behind a search result", ConfigureOpen},
     {"history", "list the notes that were opened", ConfigureHistory},
+    {"check", "hold databases and metafiles against each other", ConfigureCheck},
 };
 
 // The user's own choice comes before what the locale says.

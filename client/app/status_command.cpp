@@ -6,9 +6,8 @@
 #include <nlohmann/json.hpp>
 
 #include "client/app/command.h"
-#include "client/app/policy_check.h"
+#include "client/app/indexing_state.h"
 #include "client/app/slots.h"
-#include "platform/store.h"
 
 namespace pavex {
 
@@ -18,21 +17,6 @@ using OrderedJson = nlohmann::ordered_json;
 
 constexpr size_t kLogLines = 5;
 constexpr std::streamoff kLogTailBytes = 16384;
-
-// Why nothing is indexed; empty when it is.
-std::string WhyNot(const std::vector<Slot>& slots)
-{
-    if (PolicyLocksIndexing())
-        return "the administrator's policy locks indexing off";
-    if (OSGetEnvironmentLong("GDSIndexEnabled") == 0)
-        return "indexing is switched off in the settings";
-    bool anyDatabase = false;
-    for (const Slot& slot : slots)
-        anyDatabase = anyDatabase || slot.number != kHistorySlot;
-    if (!anyDatabase)
-        return "no databases are chosen";
-    return {};
-}
 
 std::deque<std::string> LastLogLines()
 {
@@ -108,7 +92,7 @@ CommandFunction ConfigureStatus(CLI::App& options)
     options.add_flag("--json", *json, "print one JSON object");
     return [json] {
         const std::vector<Slot> slots = ReadSlots();
-        const std::string whyNot = WhyNot(slots);
+        const std::string whyNot = WhyNothingIsIndexed(slots);
         if (*json)
             PrintJson(slots, whyNot);
         else

@@ -9,16 +9,18 @@ namespace pavex {
 struct SearchKind {
     const char* name;       // on the command line and in results
     const char* mediaType;  // in the search engine's configuration
+    const char* extension;  // of its metafiles
+    const char* timeKey;    // the date that each of its metafiles has
 };
-constexpr std::array<SearchKind, 8> kSearchKinds = {{
-    {"mail", "application/x-pavex-mail"},
-    {"calendar", "application/x-pavex-calendar"},
-    {"task", "application/x-pavex-task"},
-    {"contact", "application/x-pavex-contact"},
-    {"journal", "application/x-pavex-journal"},
-    {"discussion", "application/x-pavex-discussion"},
-    {"history", "application/x-pavex-history"},
-    {"note", "application/x-pavex-note"},
+inline constexpr std::array<SearchKind, 8> kSearchKinds = {{
+    {"mail", "application/x-pavex-mail", "vPavexMessage", "received"},
+    {"calendar", "application/x-pavex-calendar", "vPavexCalendar", "last_modified_time"},
+    {"task", "application/x-pavex-task", "vPavexTask", "last_modified_time"},
+    {"contact", "application/x-pavex-contact", "vPavexContact", "last_modified_time"},
+    {"journal", "application/x-pavex-journal", "vPavexJournal", "last_modified_time"},
+    {"discussion", "application/x-pavex-discussion", "vPavexDiscussion", "message_time"},
+    {"history", "application/x-pavex-history", "vPavexHistory", "last_modified_time"},
+    {"note", "application/x-pavex-note", "vPavexNote", "last_modified_time"},
 }};
 
 // Null for what is no kind.
@@ -33,6 +35,13 @@ constexpr const SearchKind* FindKindByMediaType(std::string_view mediaType)
 {
     for (const SearchKind& kind : kSearchKinds)
         if (mediaType == kind.mediaType)
+            return &kind;
+    return nullptr;
+}
+constexpr const SearchKind* FindKindByExtension(std::string_view extension)
+{
+    for (const SearchKind& kind : kSearchKinds)
+        if (extension == kind.extension)
             return &kind;
     return nullptr;
 }

@@ -1,0 +1,14 @@
+// client/app/indexing_state.h: whether anything is indexed at all.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "client/app/slots.h"
+
+namespace pavex {
+
+// Why nothing is indexed, a clause; empty when it is.
+std::string WhyNothingIsIndexed(const std::vector<Slot>& slots);
+
+}  // namespace pavex
