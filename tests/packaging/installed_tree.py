@@ -51,7 +51,6 @@ class InstalledTree(unittest.TestCase):
         self.assertEqual({path.relative_to(share / "pavex/torvik")
                           for path in (share / "pavex/torvik").rglob("*.strings")}, texts)
 
-
     def test_completes_in_every_shell(self):
         for path in ("bash-completion/completions/pavex", "fish/vendor_completions.d/pavex.fish",
                      "zsh/site-functions/_pavex"):
