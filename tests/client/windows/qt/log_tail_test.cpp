@@ -64,4 +64,43 @@ TEST_F(LogTailTest, ReadsALogThatWasBegunAnewFromItsBeginning)
     EXPECT_EQ(New(), "new\n");
 }
 
+TEST_F(LogTailTest, ReadsALogThatWasEmptiedAndIsAsLongAgain)
+{
+    Append("12:00 the first line\n12:01 the second\n");
+    (void)New();
+    std::filesystem::resize_file(folder_ / "log", 0);
+    Append("13:00 another\n");
+    EXPECT_EQ(New(), "13:00 another\n");
+    std::filesystem::resize_file(folder_ / "log", 0);
+    Append("14:00 longer by far than what was there before\n14:01 more\n");
+    EXPECT_EQ(New(), "14:00 longer by far than what was there before\n14:01 more\n");
+    EXPECT_EQ(New(), "");
+}
+
+TEST_F(LogTailTest, ReadsALogThatWasPutAsideToItsEnd)
+{
+    Append("one\n");
+    EXPECT_EQ(New(), "one\n");
+    Append("two\nha");
+    std::filesystem::rename(folder_ / "log", folder_ / "log.1");
+    EXPECT_EQ(New(), "two\nha\n") << "the last line, too: no more comes to it";
+    EXPECT_EQ(New(), "");
+    Append("three\nfour\nfive\n");
+    EXPECT_EQ(New(), "three\nfour\nfive\n");
+
+    Append("six\n");
+    std::filesystem::rename(folder_ / "log", folder_ / "log.1");
+    Append("seven\n");
+    EXPECT_EQ(New(), "six\nseven\n");
+    EXPECT_EQ(New(), "");
+}
+
+TEST_F(LogTailTest, ShowsNoPartOfALineThatWasLongBeforeItWasMet)
+{
+    Append(std::string(100000, 'x'));
+    EXPECT_EQ(New(), "");
+    Append(" end\nnext\n");
+    EXPECT_EQ(New(), "next\n");
+}
+
 }  // namespace
