@@ -6,10 +6,12 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <string_view>
 
+#include "client/search/spawn_signals.h"
 #include "client/store/descriptor.h"
 
 namespace pavex {
@@ -68,6 +70,55 @@ private:
     posix_spawn_file_actions_t actions_;
 };
 
+// Takes output as it comes and hands it on by lines.
+class OutputLines {
+public:
+    OutputLines(const LineCallback& onLine, std::string* kept) : onLine_(onLine), kept_(kept) {}
+
+    void Add(std::string_view bytes)
+    {
+        kept_->append(bytes.substr(0, kMostOutput - std::min(kMostOutput, kept_->size())));
+        for (size_t end = bytes.find('\n'); onLine_ && end != bytes.npos; end = bytes.find('\n')) {
+            Extend(bytes.substr(0, end));
+            HandOn();
+            bytes.remove_prefix(end + 1);
+        }
+        if (onLine_)
+            Extend(bytes);
+    }
+    void End()
+    {
+        if (!line_.empty())
+            HandOn();
+    }
+
+private:
+    void Extend(std::string_view part)
+    {
+        line_.append(part.substr(0, kLongestLine - std::min(kLongestLine, line_.size())));
+    }
+    void HandOn()
+    {
+        onLine_(line_);
+        line_.clear();
+    }
+
+    const LineCallback& onLine_;
+    std::string* kept_;
+    std::string line_;
+};
+
+// What was read counts; the exit status tells the rest.
+void ReadOutput(int descriptor, OutputLines* lines)
+{
+    std::array<char, 1 << 16> piece{};
+    ssize_t size = 0;
+    while ((size = read(descriptor, piece.data(), piece.size())) > 0 || (size < 0 && errno == EINTR))
+        if (size > 0)
+            lines->Add({piece.data(), static_cast<size_t>(size)});
+    lines->End();
+}
+
 int ExitOf(pid_t process)
 {
     int status = 0;
@@ -80,7 +131,7 @@ int ExitOf(pid_t process)
 
 }  // namespace
 
-ProcessResult RunProcess(const std::vector<std::string>& command)
+ProcessResult RunProcess(const std::vector<std::string>& command, const LineCallback& onLine)
 {
     ProcessResult result;
     std::array<int, 2> ends{};
@@ -94,12 +145,13 @@ ProcessResult RunProcess(const std::vector<std::string>& command)
     std::vector<std::string> words = command;
     std::vector<std::string> environment = EnvironmentOfTool();
     pid_t process = 0;
-    result.error = posix_spawnp(&process, words.front().c_str(), files.Get(), nullptr, Pointers(&words).data(),
-                                Pointers(&environment).data());
+    result.error = posix_spawnp(&process, words.front().c_str(), files.Get(), SpawnSignals().Get(),
+                                Pointers(&words).data(), Pointers(&environment).data());
     (void)writing.Close();
     if (result.error != 0)
         return result;
-    (void)ReadAll(reading.Get(), &result.output);  // what was read counts; the exit status tells the rest
+    OutputLines lines(onLine, &result.output);
+    ReadOutput(reading.Get(), &lines);
     result.exit = ExitOf(process);
     return result;
 }

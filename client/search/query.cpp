@@ -5,6 +5,7 @@
 #include <unicode/uchar.h>
 #include <unicode/unistr.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <ctime>
@@ -14,6 +15,8 @@ namespace pavex {
 namespace {
 
 constexpr size_t kStampDigits = 14;
+constexpr int64_t kFirstMoment = -62167219200;  // 0000-01-01T00:00:00Z
+constexpr int64_t kLastMoment = 253402300799;   // 9999-12-31T23:59:59Z
 
 // In lower case, since the engine takes a capital as a wish for the very word; what is a sign of the query
 // language even between quotes becomes a blank, as do control characters.
@@ -70,9 +73,10 @@ std::string InField(const std::string& field, std::string_view word)
 std::string WordClause(const std::string& word, const std::set<std::string>& fields)
 {
     const size_t colon = word.find(':');
-    if (colon != word.npos && fields.contains(word.substr(0, colon)))
-        return InField(word.substr(0, colon), std::string_view(word).substr(colon + 1));
-    return Clause(word);
+    std::string field = word.substr(0, colon);
+    std::ranges::transform(field, field.begin(), [](char c) { return c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c; });
+    return colon != word.npos && fields.contains(field) ? InField(field, std::string_view(word).substr(colon + 1))
+                                                        : Clause(word);
 }
 
 void Append(const std::string& clause, std::string* query)
@@ -109,6 +113,13 @@ std::string BuildQuery(const SearchRequest& request, const std::set<std::string>
     return query;
 }
 
+bool HasNoTime(const SearchRequest& request)
+{
+    const int64_t first = request.after.value_or(kFirstMoment);
+    const int64_t end = request.before.value_or(kLastMoment + 1);
+    return first >= end || end <= kFirstMoment || first > kLastMoment;
+}
+
 std::string StemmingLanguage(const std::vector<std::string>& languages)
 {
     struct LanguageRow {
@@ -126,11 +137,11 @@ std::string StemmingLanguage(const std::vector<std::string>& languages)
 
 std::string StampFromUnix(int64_t seconds)
 {
-    const std::time_t time = seconds;
+    const std::time_t time = std::clamp(seconds, kFirstMoment, kLastMoment);
     std::tm parts{};
     std::array<char, 32> stamp{};
-    if (gmtime_r(&time, &parts) == nullptr || parts.tm_year < -1900 || parts.tm_year > 9999 - 1900)
-        return {};
+    if (gmtime_r(&time, &parts) == nullptr)
+        return {};  // cannot be: the year is one of four digits
     (void)std::snprintf(stamp.data(), stamp.size(), "%04d%02d%02d%02d%02d%02d", parts.tm_year + 1900, parts.tm_mon + 1,
                         parts.tm_mday, parts.tm_hour, parts.tm_min, parts.tm_sec);
     return stamp.data();

@@ -24,11 +24,17 @@ struct SearchRequest {
 // word's end, which stands for any letters.
 std::string BuildQuery(const SearchRequest& request, const std::set<std::string>& fields);
 
+// True when no note can be of the time that is asked for: its end is not after its beginning, or it ends before the
+// first year, or begins after the last one, that a note's date can have (0000, 9999).  BuildQuery is not to be asked
+// then: the engine takes an end before the beginning for the beginning.
+bool HasNoTime(const SearchRequest& request);
+
 // The search engine's name for the language whose word forms count as one word; empty: every form is a word of its
 // own.  languages: the user's, best first ("de_AT", "ja"); none means English.
 std::string StemmingLanguage(const std::vector<std::string>& languages);
 
-// "20070305140000": GMT, as the notes' dates are held in the index.
+// "20070305140000": GMT, as the notes' dates are held in the index; the first or last moment that has this form for
+// times before or after all of those.
 std::string StampFromUnix(int64_t seconds);
 std::optional<int64_t> UnixFromStamp(const std::string& stamp);
 

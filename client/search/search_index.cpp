@@ -89,22 +89,23 @@ std::vector<std::string> SplitPeople(const std::string& list)
     return people;
 }
 
-SearchAnswer ReadAnswer(const std::string& output)
+void AnswerReader::AddLine(const std::string& line)
 {
-    SearchAnswer answer;
-    std::istringstream lines(output);
-    std::string line;
-    while (std::getline(lines, line) && !line.starts_with(kAccount)) {
+    switch (part_) {
+    case Part::kBefore:
+        if (line.starts_with(kAccount)) {
+            answer_.terms = TermsOfQuery(std::string_view(line).substr(kAccount.size()));
+            part_ = Part::kCount;
+        }
+        break;
+    case Part::kCount:
+        part_ = Part::kHits;
+        break;
+    case Part::kHits:
+        if (SearchHit hit = HitOf(FieldsOfLine(line)); hit.kind != nullptr && !hit.url.empty())
+            answer_.hits.push_back(std::move(hit));
+        break;
     }
-    if (line.starts_with(kAccount))
-        answer.terms = TermsOfQuery(std::string_view(line).substr(kAccount.size()));
-    std::getline(lines, line);  // how many
-    while (std::getline(lines, line)) {
-        SearchHit hit = HitOf(FieldsOfLine(line));
-        if (hit.kind != nullptr && !hit.url.empty())
-            answer.hits.push_back(std::move(hit));
-    }
-    return answer;
 }
 
 bool AskIndex(const SearchFolders& folders, const std::string& query, const std::string& language, unsigned limit,
@@ -113,15 +114,17 @@ bool AskIndex(const SearchFolders& folders, const std::string& query, const std:
     const Descriptor lock = LockIndex(folders, false, error);
     if (!lock.IsOpen())
         return false;
+    AnswerReader reader;
     const ProcessResult result = RunProcess({"recollq", "-c", folders.home, "-s", language, "-S", "pavexdate", "-D",
-                                             "-n", std::to_string(limit), "-F", kFields, query});
+                                             "-n", std::to_string(limit), "-F", kFields, query},
+                                            [&reader](const std::string& line) { reader.AddLine(line); });
     if (result.exit != 0 && result.output.find(kNothingAsked) != std::string::npos) {
         *answer = SearchAnswer{};
         return true;
     }
     if (DescribeFailure("recollq", result, error))
         return false;
-    *answer = ReadAnswer(result.output);
+    *answer = reader.Take();
     return true;
 }
 

@@ -3,6 +3,7 @@
 
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "client/search/configuration.h"
@@ -36,8 +37,17 @@ bool UpdateIndex(const SearchFolders& folders, std::string* error);
 bool AskIndex(const SearchFolders& folders, const std::string& query, const std::string& language, unsigned limit,
               SearchAnswer* answer, std::string* error);
 
-// The hits in what the engine printed: for tests.
-SearchAnswer ReadAnswer(const std::string& output);
+// Takes what the engine prints, line by line.
+class AnswerReader {
+public:
+    void AddLine(const std::string& line);
+    SearchAnswer Take() { return std::move(answer_); }
+
+private:
+    enum class Part { kBefore, kCount, kHits };
+    Part part_ = Part::kBefore;
+    SearchAnswer answer_;
+};
 
 // The entries of a list of people: parts between commas, quoted ones left whole.
 std::vector<std::string> SplitPeople(const std::string& list);

@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
+#include <sstream>
 
 #include "client/search/tool_failure.h"
 
@@ -26,7 +27,48 @@ TEST(Process, GathersBothOutputsAndTheExitStatus)
     EXPECT_EQ(result.exit, 7);
     EXPECT_EQ(result.output, "out\nerr\n");
     EXPECT_EQ(RunProcess({"sh", "-c", "kill -TERM $$"}).exit, 128 + SIGTERM);
-    EXPECT_EQ(RunProcess({"sh", "-c", "yes | head -c 1000000"}).output.size(), 1000000U);
+}
+
+TEST(Process, KeepsNoMoreOutputThanItNeedsHoweverMuchThereIs)
+{
+    EXPECT_EQ(RunProcess({"sh", "-c", "yes | head -c 1000000"}).output.size(), kMostOutput);
+    EXPECT_EQ(RunProcess({"sh", "-c", "yes | head -c 100"}).output.size(), 100U);
+}
+
+TEST(Process, HandsOnEachLineAsItComes)
+{
+    std::vector<std::string> lines;
+    const auto take = [&lines](const std::string& line) { lines.push_back(line); };
+    (void)RunProcess({"printf", "one\n\ntwo\nthree"}, take);
+    EXPECT_THAT(lines, testing::ElementsAre("one", "", "two", "three"));
+    lines.clear();
+    (void)RunProcess({"sh", "-c", "yes line | head -n 200000"}, take);
+    EXPECT_EQ(lines.size(), 200000U);
+    EXPECT_EQ(lines.back(), "line");
+    lines.clear();
+    (void)RunProcess({"sh", "-c", "head -c 3000000 /dev/zero | tr '\\0' x; echo; echo next"}, take);
+    ASSERT_EQ(lines.size(), 2U);
+    EXPECT_EQ(lines[0].size(), kLongestLine);
+    EXPECT_EQ(lines[1], "next");
+}
+
+TEST(Process, MeetsSignalsAsAShellsProgramsDo)
+{
+    void (*const before)(int) = std::signal(SIGPIPE, SIG_IGN);
+    sigset_t held;
+    sigset_t old;
+    sigemptyset(&held);
+    sigaddset(&held, SIGTERM);
+    pthread_sigmask(SIG_BLOCK, &held, &old);
+    std::istringstream status(RunProcess({"sed", "-nE", "s/Sig(Blk|Ign):\\t//p", "/proc/self/status"}).output);
+    pthread_sigmask(SIG_SETMASK, &old, nullptr);
+    std::signal(SIGPIPE, before);
+    uint64_t blocked = 1;
+    uint64_t ignored = ~uint64_t{0};
+    status >> std::hex >> blocked >> ignored;
+    EXPECT_EQ(blocked, 0U);
+    for (const int number : {SIGPIPE, SIGINT, SIGQUIT, SIGTERM, SIGHUP})
+        EXPECT_EQ(ignored >> (number - 1) & 1, 0U) << number;
 }
 
 TEST(Process, KeepsTheUsersOwnSearchSettingsAndTimeZoneOut)

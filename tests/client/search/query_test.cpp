@@ -53,7 +53,9 @@ TEST(Query, GivesNoSignOfAWordAMeaningForTheEngine)
         {"title:red stripes", R"(title:"red stripes"l)"},
         {"title:zeb*", "title:zeb*"},
         {"due:2007-03-05", R"(due:"2007-03-05")"},
-        {"Title:zebra", R"("title:zebra")"},
+        {"Title:Zebra", R"(title:"zebra")"},
+        {"TITLE:zeb*", "title:zeb*"},
+        {"due: 2007", R"(due:"2007")"},
         {"nofield:zebra", R"("nofield:zebra")"},
         {"mime:text", R"("mime:text")"},
         {":zebra", R"(":zebra")"},
@@ -93,6 +95,43 @@ TEST(Query, NarrowsWordsByKindAuthorAndTime)
     EXPECT_EQ(BuildQuery(request, kFields), R"("zebra" pavexdate:..20070305140000)");
 }
 
+TEST(Query, TellsTimesThatNoNoteCanBeOf)
+{
+    constexpr int64_t kFirst = -62167219200;  // 0000-01-01
+    constexpr int64_t kEnd = 253402300800;    // 10000-01-01
+    struct Row {
+        std::optional<int64_t> after;
+        std::optional<int64_t> before;
+        bool isNone;
+        const char* clause;
+    };
+    const Row rows[] = {
+        {{}, {}, false, ""},
+        {0, 1, false, " pavexdate:19700101000000..19700101000000"},
+        {0, 0, true, ""},
+        {1, 0, true, ""},
+        {{}, kFirst, true, ""},
+        {{}, kFirst - 86400, true, ""},
+        {{}, kFirst + 1, false, " pavexdate:..00000101000000"},
+        {{}, kEnd + 86400, false, " pavexdate:..99991231235959"},
+        {kFirst - 86400, {}, false, " pavexdate:00000101000000.."},
+        {kEnd - 1, {}, false, " pavexdate:99991231235959.."},
+        {kEnd, {}, true, ""},
+        {kFirst - 86400, kEnd + 86400, false, " pavexdate:00000101000000..99991231235959"},
+        {INT64_MIN, INT64_MAX, false, " pavexdate:00000101000000..99991231235959"},
+    };
+    for (const auto& [after, before, isNone, clause] : rows) {
+        SearchRequest request;
+        request.words = {"x"};
+        request.after = after;
+        request.before = before;
+        EXPECT_EQ(HasNoTime(request), isNone) << after.value_or(-1) << " " << before.value_or(-1);
+        if (!isNone) {
+            EXPECT_EQ(BuildQuery(request, kFields), std::string("\"x\"") + clause);
+        }
+    }
+}
+
 TEST(Query, IsEmptyWithoutAWordWhateverElseIsAskedFor)
 {
     SearchRequest request;
@@ -113,7 +152,8 @@ TEST(Query, TakesTheFormsOfWordsFromTheUsersFirstLanguage)
 
 TEST(Query, StampsReadBackAsTheSameTime)
 {
-    for (const int64_t seconds : {int64_t{0}, int64_t{1173103200}, int64_t{-2171836800}, int64_t{4102444799}})
+    for (const int64_t seconds : {int64_t{0}, int64_t{1173103200}, int64_t{-2171836800}, int64_t{4102444799},
+                                  int64_t{-62167219200}, int64_t{253402300799}})
         EXPECT_EQ(UnixFromStamp(StampFromUnix(seconds)), seconds) << StampFromUnix(seconds);
     EXPECT_EQ(StampFromUnix(1173103200), "20070305140000");
     for (const char* none : {"", "2007030514000", "2007030514000x", "200703051400000"})

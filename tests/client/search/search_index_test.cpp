@@ -4,10 +4,21 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <sstream>
+
 namespace pavex {
 namespace {
 
 using testing::ElementsAre;
+
+SearchAnswer ReadAnswer(const std::string& output)
+{
+    AnswerReader reader;
+    std::istringstream lines(output);
+    for (std::string line; std::getline(lines, line);)
+        reader.AddLine(line);
+    return reader.Take();
+}
 
 TEST(SearchIndex, ReadsHitsFromWhatTheEnginePrints)
 {
