@@ -8,7 +8,10 @@
 #include <vector>
 
 #include "client/app/note_text.h"
+#include "client/import/bookmark_note.h"
 #include "client/import/charset_text.h"
+#include "client/import/digest.h"
+#include "client/import/entry_keys.h"
 #include "client/store/database.h"
 #include "client/store/host.h"
 #include "client/store/note_link.h"
@@ -18,7 +21,7 @@ namespace pavex {
 
 namespace {
 
-// Where an entry comes from: no source that is imported has such a name, so no import takes it away.
+// Which source an entry that was opened comes from: none that is imported has such a name, so no import takes it away.
 constexpr const char* kSource = "pavex open";
 constexpr size_t kLongestTitle = 16000;  // bytes, that its item holds with room to spare
 
@@ -27,26 +30,56 @@ std::string HistoryPath()
     return CurrentPlaces().data + "/" + kHistoryFile;
 }
 
-// The note that holds the entry made before; 0 for none.
-uint32_t EntryBefore(Database* database, const std::string& key)
+// Adds kSource to the sources that hold the entry, so that it stays when the bookmark it was made of goes.
+STATUS ClaimEntry(Database* database, const SourceEntry& row)
 {
-    std::optional<SourceEntry> source;
-    Note note;
-    if (database->FindSource(key, &source) != 0 || !source || database->Get(source->noteId, &note) != 0)
+    if (row.source == kSource)
         return 0;
-    return source->noteId;
+    for (int number = 1;; ++number) {
+        const std::string key = CopyKey(number, row.key);
+        std::optional<SourceEntry> copy;
+        if (const STATUS status = database->FindSource(key, &copy); status != 0)
+            return status;
+        if (copy && copy->source == kSource)
+            return 0;
+        if (!copy)
+            return database->PutSource({key, kSource, StoredDigestOf(ContentOf(row), std::nullopt), row.noteId});
+    }
+}
+
+// An entry that is there keeps what it says: a bookmark has a title and categories of its own.
+STATUS DateAnew(Database* database, const SourceEntry& row, Note entry)
+{
+    entry.modified = {};
+    const STATUS status = database->Put(&entry);
+    return status == 0 ? ClaimEntry(database, row) : status;
+}
+
+STATUS MakeEntry(Database* database, const std::string& key, Note entry)
+{
+    const std::string digest = StoredDigestOf(DigestOf(entry), std::nullopt);
+    const STATUS status = database->Put(&entry);
+    return status == 0 ? database->PutSource({key, kSource, digest, entry.id}) : status;
+}
+
+STATUS WriteEntry(Database* database, const NOTELINK& link, const std::string& title)
+{
+    const std::string key = BookmarkIdentity(UrlOfNote(link.replica, link.note));
+    std::optional<SourceEntry> row;
+    if (const STATUS status = database->FindSource(key, &row); status != 0)
+        return status;
+    Note entry;
+    if (row && database->Get(row->noteId, &entry) == 0)
+        return DateAnew(database, *row, std::move(entry));
+    return MakeEntry(database, key, HistoryNote(link, Utf8Prefix(title, kLongestTitle)));
 }
 
 STATUS PutEntry(Database* database, const NOTELINK& link, const std::string& title)
 {
-    if (const STATUS status = database->Begin(); status != 0)
+    STATUS status = database->Begin();
+    if (status != 0)
         return status;
-    const std::string key = "opened:" + UrlOfNote(link.replica, link.note);
-    Note note = HistoryNote(link, Utf8Prefix(title, kLongestTitle));
-    note.id = EntryBefore(database, key);
-    STATUS status = database->Put(&note);
-    if (status == 0)
-        status = database->PutSource({key, kSource, "", note.id});
+    status = WriteEntry(database, link, title);
     if (status == 0)
         return database->Commit();
     database->Rollback();

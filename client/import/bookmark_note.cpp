@@ -67,9 +67,15 @@ Note AddressNote(const Bookmark& bookmark)
 
 }  // namespace
 
+std::string BookmarkIdentity(const std::string& address)
+{
+    return "bookmark:" + DigestOf(address);
+}
+
 bool MakeBookmarkEntry(const Bookmark& bookmark, SourceEntryFound* entry, std::string* reason)
 {
     Note note;
+    std::string address = bookmark.address;
     if (BeginsWithWord(bookmark.address, kNoteScheme)) {
         const std::optional<NOTELINK> link = LinkFromUrl(bookmark.address);
         if (!link) {
@@ -78,12 +84,13 @@ bool MakeBookmarkEntry(const Bookmark& bookmark, SourceEntryFound* entry, std::s
         }
         entry->kind = EntryKind::kHistory;
         note = EntryOf(bookmark, *link);
+        address = UrlOfNote(link->replica, link->note);  // which may be written in more than one way
     } else {
         entry->kind = EntryKind::kDocument;
         entry->form = &kBookmarkForm;
         note = AddressNote(bookmark);
     }
-    entry->identity = "bookmark:" + DigestOf(bookmark.address);
+    entry->identity = BookmarkIdentity(address);
     entry->digest = DigestOf(note);
     entry->revision = Revision{};
     entry->make = [made = std::make_shared<Note>(std::move(note))](Note* target, std::string*) {

@@ -22,6 +22,10 @@ struct Bookmark {
     int64_t changed = 0;  // the same
 };
 
+// By which an import knows the bookmark of an address again, and pavex open the entry of a note: one note has one
+// entry, wherever it comes from.  Addresses of notes as UrlOfNote writes them.
+std::string BookmarkIdentity(const std::string& address);
+
 // Fills kind, identity, digest, revision and the maker of the note.  False with *reason when it leads to a
 // note by an address that is none.
 bool MakeBookmarkEntry(const Bookmark& bookmark, SourceEntryFound* entry, std::string* reason);

@@ -7,6 +7,7 @@
 
 #include "client/import/entry_keys.h"
 #include "client/store/host.h"
+#include "client/store/timedate.h"
 
 namespace pavex {
 namespace {
@@ -283,6 +284,10 @@ bool EntryStore::WriteNote(const SourceEntryFound& entry, const SourceEntry& tar
             note.unid = old.unid;
             note.sequence = old.sequence;
             note.created = old.created;
+            const bool isDated = HundredthsOf(note.modified) != 0;  // or else it is of now
+            if (entry.kind == EntryKind::kHistory && isDated &&
+                HundredthsOf(old.modified) > HundredthsOf(note.modified))
+                note.modified = old.modified;  // when what it leads to was opened last
         }
     }
     if (!BeginWrite() || (entry.form != nullptr && !WriteForm(*entry.form)) || !Check(database_->Put(&note)))
