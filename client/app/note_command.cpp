@@ -5,8 +5,10 @@
 
 #include "client/app/command.h"
 #include "client/app/json_input.h"
+#include "client/app/json_output.h"
 #include "client/app/note_json.h"
 #include "client/app/note_text.h"
+#include "client/app/terminal_text.h"
 #include "client/store/database.h"
 #include "client/store/note_link.h"
 #include "client/store/timedate.h"
@@ -200,16 +202,15 @@ int List(const NoteOptions& options)
             const std::string form = FirstText(note, "Form");
             const std::string subject = FirstText(note, "Subject");
             if (options.json)
-                std::cout << nlohmann::ordered_json{{"noteid", summary.id},
-                                                    {"unid", HexFromUnid(summary.unid)},
-                                                    {"modified", IsoFromTime(summary.modified)},
-                                                    {"form", form},
-                                                    {"subject", subject}}
-                                 .dump(-1, ' ', false, nlohmann::json::error_handler_t::replace)
+                std::cout << TextOfJson({{"noteid", summary.id},
+                                         {"unid", HexFromUnid(summary.unid)},
+                                         {"modified", IsoFromTime(summary.modified)},
+                                         {"form", form},
+                                         {"subject", subject}})
                           << '\n';
             else
-                std::cout << summary.id << '\t' << IsoFromTime(summary.modified) << '\t' << OneLine(form) << '\t'
-                          << OneLine(subject) << '\n';
+                std::cout << summary.id << '\t' << IsoFromTime(summary.modified) << '\t' << PrintableLine(form) << '\t'
+                          << PrintableLine(subject) << '\n';
             return true;
         });
         return listed == 0 ? exit : FailWith(listed, database.Path());

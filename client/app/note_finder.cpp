@@ -18,23 +18,44 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::vector<std::string> DatabaseFiles()
-{
+// What a search through files met.
+struct Findings {
     std::vector<std::string> files;
+    std::vector<std::string> unread;  // "PATH: why", folders and databases that could not be looked into
+};
+
+// The databases in a folder and those below it, in order of their names.  Links to folders are not followed.
+void FindDatabases(const fs::path& folder, Findings* findings)
+{
+    std::error_code failed;
+    std::vector<fs::directory_entry> entries;
+    for (fs::directory_iterator entry(folder, failed), end; !failed && entry != end; entry.increment(failed))
+        entries.push_back(*entry);
+    if (failed && failed != std::errc::no_such_file_or_directory)
+        findings->unread.push_back(folder.string() + ": " + failed.message());
+    std::ranges::sort(entries);
+    for (const fs::directory_entry& entry : entries) {
+        std::error_code none;
+        if (entry.is_directory(none) && !entry.is_symlink(none))
+            FindDatabases(entry.path(), findings);
+        else if (entry.path().extension() == ".vlt")
+            findings->files.push_back(entry.path().string());
+    }
+}
+
+Findings DatabaseFiles()
+{
+    Findings findings;
     for (const Slot& slot : ReadSlots())
         if (std::string path; ResolvePath(ScsFromUtf8(slot.path).c_str(), &path) == 0)
-            files.push_back(path);
-    std::vector<std::string> others;
-    std::error_code failed;
-    for (fs::recursive_directory_iterator entry(CurrentPlaces().data, failed), end; !failed && entry != end;
-         entry.increment(failed))
-        if (entry->path().extension() == ".vlt")
-            others.push_back(entry->path().string());
-    std::ranges::sort(others);
-    for (const std::string& file : others)
-        if (std::ranges::find(files, file) == files.end())
-            files.push_back(file);
-    return files;
+            findings.files.push_back(path);
+    Findings others;
+    FindDatabases(CurrentPlaces().data, &others);
+    for (const std::string& file : others.files)
+        if (std::ranges::find(findings.files, file) == findings.files.end())
+            findings.files.push_back(file);
+    findings.unread = std::move(others.unread);
+    return findings;
 }
 
 bool IsReplica(const Database& database, const TIMEDATE& id)
@@ -47,9 +68,15 @@ bool IsReplica(const Database& database, const TIMEDATE& id)
 std::unique_ptr<Database> FindNote(const NOTELINK& link, Note* note, std::string* error)
 {
     *error = "no database here has the replica id " + HexFromId(link.replica);
-    for (const std::string& file : DatabaseFiles()) {
+    Findings findings = DatabaseFiles();
+    for (const std::string& file : findings.files) {
         std::unique_ptr<Database> database;
-        if (Database::Open(file, &database) != 0 || !IsReplica(*database, link.replica))
+        if (const STATUS status = Database::Open(file, &database); status != 0) {
+            if (std::error_code none; fs::exists(file, none))
+                findings.unread.push_back(file + ": " + DescribeStatus(status));
+            continue;
+        }
+        if (!IsReplica(*database, link.replica))
             continue;
         database->Unseal();
         const std::optional<uint32_t> id = database->FindUnid(link.note);
@@ -58,6 +85,10 @@ std::unique_ptr<Database> FindNote(const NOTELINK& link, Note* note, std::string
             return database;
         *error = id ? DescribeStatus(status) : "the note is deleted, or was never in " + file;
     }
+    if (!findings.unread.empty())
+        *error += "; not looked into: " + findings.unread.front();
+    if (findings.unread.size() > 1)
+        *error += " (and " + std::to_string(findings.unread.size() - 1) + " more)";
     return nullptr;
 }
 

@@ -1,13 +1,13 @@
 // client/app/note_text.cpp: notes as people read them.
 #include "client/app/note_text.h"
 
-#include <unistd.h>
-
-#include <cstdlib>
+#include <algorithm>
 #include <iostream>
 #include <sstream>
 
+#include "client/app/json_output.h"
 #include "client/app/note_json.h"
+#include "client/app/terminal_text.h"
 #include "client/store/charset.h"
 #include "client/store/note_link.h"
 #include "client/store/richtext.h"
@@ -21,6 +21,7 @@ constexpr const char* kBold = "\033[1m";
 constexpr const char* kPlain = "\033[0m";
 constexpr const char* kTitleItems[] = {"Subject", "Topic", "Title", "FullName"};
 constexpr size_t kRuleLength = 40;
+constexpr size_t kIndent = 4;
 
 bool IsShown(const Item& item)
 {
@@ -28,24 +29,30 @@ bool IsShown(const Item& item)
 }
 
 // Further lines of a value stand below its first one.
-std::string FieldText(const Item& item)
+std::string TextOfField(const Item& item, const ReadingStyle& style)
 {
+    const std::string name = PrintableLine(item.name) + ":";
     std::istringstream lines(Utf8FromScs(TextOfItem(item, ", ")));
     std::string text;
     for (std::string line; std::getline(lines, line);)
-        text += (text.empty() ? "" : "\n    ") + OneLine(line);
+        if (!text.empty() || !line.empty())
+            text += text.empty() ? WrapLine((style.isBold ? kBold + name + kPlain : name) + " " + PrintableLine(line),
+                                            style.columns, kIndent) +
+                                       "\n"
+                                 : IndentLine(PrintableLine(line), style.columns, kIndent) + "\n";
     return text;
 }
 
-std::string TextOfPiece(const RichTextPiece& piece)
+std::string TextOfPiece(const RichTextPiece& piece, size_t columns)
 {
     switch (piece.kind) {
     case RichTextPiece::Kind::kParagraph:
-        return OneLine(piece.text);
+        return WrapLine(PrintableLine(piece.text), columns, 0);
     case RichTextPiece::Kind::kRule:
-        return std::string(kRuleLength, '-');
+        return std::string(columns == 0 ? kRuleLength : std::min(columns, kRuleLength), '-');
     case RichTextPiece::Kind::kLink:
-        return OneLine(piece.text) + " <" + UrlOfNote(piece.link.replica, piece.link.note) + ">";
+        return WrapLine(PrintableLine(piece.text) + " <" + UrlOfNote(piece.link.replica, piece.link.note) + ">",
+                        columns, 0);
     }
     return {};
 }
@@ -67,39 +74,18 @@ std::string TitleOfNote(const Note& note)
     return {};
 }
 
-bool WantsColor()
-{
-    const char* const refusal = std::getenv("NO_COLOR");
-    return isatty(STDOUT_FILENO) != 0 && (refusal == nullptr || *refusal == '\0');
-}
-
-std::string OneLine(std::string text)
-{
-    const auto at = [&text](size_t i) { return static_cast<unsigned char>(text[i]); };
-    for (size_t i = 0; i < text.size(); ++i) {
-        const bool isLongControl = at(i) == 0xC2 && i + 1 < text.size() && at(i + 1) >= 0x80 && at(i + 1) < 0xA0;
-        if (isLongControl)
-            text.replace(i, 2, " ");
-        else if (at(i) < 0x20 || at(i) == 0x7F)
-            text[i] = ' ';
-    }
-    return text;
-}
-
-std::string ReadableNote(const Note& note, bool isBold)
+std::string ReadableNote(const Note& note, const ReadingStyle& style)
 {
     std::string text;
-    for (const Item& item : note.items) {
-        const std::string value = IsShown(item) ? FieldText(item) : std::string();
-        if (!value.empty())
-            text += (isBold ? kBold + item.name + ":" + kPlain : item.name + ":") + " " + value + "\n";
-    }
+    for (const Item& item : note.items)
+        if (IsShown(item))
+            text += TextOfField(item, style);
     for (const Item& item : note.items) {
         if (!IsShown(item) || item.type != kTypeRichText)
             continue;
         text += "\n";
         for (const RichTextPiece& piece : ReadRichText(item.value))
-            text += TextOfPiece(piece) + "\n";
+            text += TextOfPiece(piece, style.columns) + "\n";
     }
     return text;
 }
@@ -109,7 +95,7 @@ void PrintNoteJson(const Database& database, const Note& note, bool isOneLine)
     nlohmann::ordered_json json = JsonFromNote(note);
     json["noteid"] = note.id;
     json["url"] = UrlOfNote(database.ReplicaId(), note.unid);
-    std::cout << json.dump(isOneLine ? -1 : 2, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
+    std::cout << TextOfJson(json, isOneLine ? -1 : 2) << '\n';
 }
 
 }  // namespace pavex

@@ -14,15 +14,14 @@ std::string FirstText(const Note& note, std::string_view name);
 // What a note is called: its subject, or whatever its kind has for one; empty when it has none.
 std::string TitleOfNote(const Note& note);
 
-// Whether what goes to standard output may stand out: it is a terminal, and NO_COLOR is not set.
-bool WantsColor();
-
-// Control characters as blanks, so that a line stays a line and a terminal stays itself.
-std::string OneLine(std::string text);
+struct ReadingStyle {
+    bool isBold = false;  // names stand out, by a terminal's sequences
+    size_t columns = 0;   // no line is wider; 0: no limit
+};
 
 // The whole note as the client shows it: the fields, a "Name: value" line each, then the rich text.  Items whose
-// names begin with '$' are the client's own and not shown.  isBold: names stand out, by a terminal's sequences.
-std::string ReadableNote(const Note& note, bool isBold);
+// names begin with '$' are the client's own and not shown.
+std::string ReadableNote(const Note& note, const ReadingStyle& style);
 
 // Prints the JSON that "note put" takes, with the note's id and URL: one line, or indented for people.
 void PrintNoteJson(const Database& database, const Note& note, bool isOneLine);

@@ -1,10 +1,6 @@
 // client/app/open_command.cpp: pavex open: shows the note behind a URL, and remembers it in the history.
-#include <sys/wait.h>
 #include <unistd.h>
 
-#include <csignal>
-#include <cstdio>
-#include <cstdlib>
 #include <iostream>
 #include <memory>
 
@@ -13,6 +9,8 @@
 #include "client/app/last_search.h"
 #include "client/app/note_finder.h"
 #include "client/app/note_text.h"
+#include "client/app/pager.h"
+#include "client/app/terminal_text.h"
 #include "client/store/note_link.h"
 
 namespace pavex {
@@ -23,8 +21,6 @@ struct OpenArguments {
     std::string target;
     bool raw = false;
 };
-
-constexpr const char* kPager = "less -R";
 
 bool IsNumber(const std::string& text)
 {
@@ -43,24 +39,9 @@ std::string UrlOfTarget(const std::string& target)
     return url.value_or("");
 }
 
-// False when there is no such program.
-bool ShowInPager(const std::string& text)
-{
-    const char* const chosen = std::getenv("PAGER");
-    const std::string pager = chosen != nullptr && *chosen != '\0' ? chosen : kPager;
-    constexpr int kNotFound = 127;
-    (void)std::signal(SIGPIPE, SIG_IGN);  // a pager that is left early has seen enough
-    FILE* const pipe = popen(pager.c_str(), "w");
-    if (pipe == nullptr)
-        return false;
-    (void)std::fwrite(text.data(), 1, text.size(), pipe);
-    const int status = pclose(pipe);
-    return !WIFEXITED(status) || WEXITSTATUS(status) != kNotFound;
-}
-
 void Show(const Note& note)
 {
-    const std::string text = ReadableNote(note, WantsColor());
+    const std::string text = ReadableNote(note, {WantsColor(), TerminalColumns()});
     std::cout.flush();
     if (isatty(STDOUT_FILENO) == 0 || !ShowInPager(text))
         std::cout << text;

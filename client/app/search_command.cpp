@@ -1,23 +1,18 @@
 // client/app/search_command.cpp: pavex search: asks the desktop search engine for notes.
-#include <unistd.h>
-
 #include <algorithm>
-#include <array>
+#include <cerrno>
 #include <cstring>
 #include <ctime>
 #include <filesystem>
 #include <iostream>
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <set>
 
 #include "client/app/command.h"
 #include "client/app/last_search.h"
-#include "client/app/note_text.h"
 #include "client/app/program_files.h"
+#include "client/app/search_report.h"
 #include "client/foundation/languages.h"
-#include "client/search/marked_text.h"
-#include "client/search/metafile.h"
 #include "client/search/query.h"
 #include "client/search/search_index.h"
 #include "client/store/timedate.h"
@@ -28,7 +23,6 @@ namespace {
 
 constexpr unsigned kDefaultLimit = 20;
 constexpr unsigned kGreatestLimit = 100000;
-constexpr size_t kSnippetBytes = 200;
 
 struct SearchArguments {
     std::vector<std::string> words;
@@ -38,11 +32,6 @@ struct SearchArguments {
     std::string before;
     unsigned limit = kDefaultLimit;
     bool json = false;
-};
-
-struct Result {
-    SearchHit hit;
-    std::string snippet;
 };
 
 // A bare date is the beginning of that day where the user is.
@@ -86,91 +75,29 @@ SearchRequest RequestOf(const SearchArguments& arguments)
     return request;
 }
 
-// From the first text with a hit; from the body when the words stand elsewhere.
-std::string SnippetOf(const std::vector<std::string>& texts, const std::vector<std::string>& terms)
+// A mistake that is easily made: no note can be of such a time.
+std::string WhyNothing(const SearchArguments& arguments)
 {
-    const auto hasHit = [&terms](const std::string& text) { return !FindMarks(text, terms).empty(); };
-    for (const std::string& text : texts)
-        if (std::string snippet = CutSnippet(text, terms, kSnippetBytes); hasHit(snippet))
-            return snippet;
-    return CutSnippet(texts.front(), terms, kSnippetBytes);
-}
-
-// A note whose metafile went since the index was read is not there any more.
-std::vector<Result> ReadResults(const SearchAnswer& answer)
-{
-    std::vector<Result> results;
-    for (const SearchHit& hit : answer.hits)
-        if (const auto texts = ReadMetafileTexts(hit.metafile))
-            results.push_back({hit, SnippetOf(*texts, answer.terms)});
-    return results;
-}
-
-std::string IsoOfStamp(const std::string& stamp)
-{
-    const std::optional<int64_t> seconds = UnixFromStamp(stamp);
-    return seconds ? IsoFromTime(TimeFromUnix(*seconds)) : std::string();
-}
-
-std::string LocalOfStamp(const std::string& stamp)
-{
-    const std::optional<int64_t> seconds = UnixFromStamp(stamp);
-    const std::time_t time = seconds.value_or(0);
-    std::tm parts{};
-    std::array<char, 32> text{};
-    if (!seconds || localtime_r(&time, &parts) == nullptr)
-        return "no date";
-    (void)std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M", &parts);
-    return text.data();
-}
-
-void PrintJson(const std::vector<Result>& results)
-{
-    for (const auto& [hit, snippet] : results)
-        std::cout << nlohmann::ordered_json{{"url", hit.url},       {"kind", hit.kind->name},
-                                            {"title", hit.title},   {"date", IsoOfStamp(hit.stamp)},
-                                            {"people", hit.people}, {"snippet", snippet}}
-                         .dump(-1, ' ', false, nlohmann::json::error_handler_t::replace)
-                  << '\n';
-}
-
-std::string Joined(const std::vector<std::string>& parts)
-{
-    std::string joined;
-    for (const std::string& part : parts)
-        joined += (joined.empty() ? "" : ", ") + part;
-    return joined;
-}
-
-void PrintText(const std::vector<Result>& results, const std::vector<std::string>& terms)
-{
-    const bool isBold = WantsColor();
-    const auto shown = [&](const std::string& text) {
-        return WithMarks(OneLine(text), terms, isBold ? "\033[1m" : "", isBold ? "\033[0m" : "");
-    };
-    const auto line = [](const std::string& text) { return text.empty() ? text : "    " + text + "\n"; };
-    int number = 0;
-    for (const auto& [hit, snippet] : results)
-        std::cout << ++number << ". " << hit.kind->name << "  " << LocalOfStamp(hit.stamp) << "  " << shown(hit.title)
-                  << '\n'
-                  << line(shown(Joined(hit.people))) << line(shown(snippet)) << line(hit.url);
+    return HasNoTime(RequestOf(arguments)) && !arguments.after.empty() && !arguments.before.empty()
+               ? ": --after " + arguments.after + " is no earlier than --before " + arguments.before
+               : std::string();
 }
 
 int Report(const SearchArguments& arguments, const SearchAnswer& answer)
 {
-    const std::vector<Result> results = ReadResults(answer);
+    const std::vector<SearchResult> results = ReadResults(answer);
     std::vector<std::string> urls;
     urls.reserve(results.size());
-    for (const Result& result : results)
+    for (const SearchResult& result : results)
         urls.push_back(result.hit.url);
     if (!KeepLastSearch(urls))
         return Fail(std::string("cannot keep the results for pavex open: ") + std::strerror(errno));
     if (results.empty())
-        std::cerr << "pavex: nothing found\n";
+        std::cerr << "pavex: nothing found" << WhyNothing(arguments) << '\n';
     else if (arguments.json)
-        PrintJson(results);
+        PrintResultsAsJson(results, answer.terms);
     else
-        PrintText(results, answer.terms);
+        PrintResults(results, answer.terms);
     return kExitDone;
 }
 
@@ -199,7 +126,7 @@ int Ask(const SearchFolders& folders, const SearchRequest& request, const Search
     std::string error;
     SearchAnswer answer;
     const bool isUpToDate = UpdateIndex(folders, &whyOld);
-    if (!AskNewest(folders, request, arguments.limit, &answer, &error))
+    if (!HasNoTime(request) && !AskNewest(folders, request, arguments.limit, &answer, &error))
         return Fail(isUpToDate ? error : whyOld);
     const int exit = Report(arguments, answer);
     return isUpToDate ? exit : Fail("the search index is not up to date: " + whyOld);

@@ -94,7 +94,8 @@ std::unique_ptr<WindowFrontEnd> LoadWindowFrontEnd(int closeRequest, std::string
     const auto make =
         library == nullptr ? nullptr : reinterpret_cast<MakeWindowFrontEnd>(dlsym(library, kMakeWindowFrontEnd));
     if (make == nullptr) {
-        *error = WithTextWay(dlerror());
+        const char* const reason = dlerror();  // null when the library is one without the entry
+        *error = WithTextWay(reason == nullptr ? path + " is not the window's library" : reason);
         return nullptr;
     }
     WindowPluginOptions options;

@@ -1,7 +1,11 @@
 // tests/client/app/program_open_test.cpp: notes are shown and remembered.
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
+#include <csignal>
 #include <sstream>
 
 #include "tests/client/app/program_fixture.h"
@@ -9,8 +13,10 @@
 namespace pavex {
 namespace {
 
+namespace fs = std::filesystem;
 using Json = nlohmann::ordered_json;
 using testing::HasSubstr;
+using Lines = std::vector<std::string>;
 
 constexpr const char* kZebra = R"({"items": {"Form": "Memo", "Subject": "Zebra", "From": "Ann", "Secret": "a\u001b[2Jb",
  "$Hidden": "not shown", "Body": {"richtext": ["First", "Second"]}}})";
@@ -122,6 +128,140 @@ TEST_F(ProgramOpen, SaysInOneLineWhyANoteCannotBeShown)
     ASSERT_EQ(home_.Run({"note", "delete", "--db", "a.vlt", "1"}).exit, 0);
     ExpectOneClearLine(home_.Run({"open", url}), 1, {"the note is deleted", "a.vlt"});
     EXPECT_EQ(History().size(), 0U);
+}
+
+// Folders one in the other until the innermost one's path is longer than the system takes: nobody can read it, the
+// administrator neither.
+void MakeFolderThatCannotBeRead(const std::string& path)
+{
+    const std::string name(250, 'a');
+    fs::create_directories(path);
+    int folder = open(path.c_str(), O_RDONLY | O_DIRECTORY);
+    for (int depth = 0; depth < 20; ++depth) {
+        ASSERT_EQ(mkdirat(folder, name.c_str(), 0700), 0);
+        const int inner = openat(folder, name.c_str(), O_RDONLY | O_DIRECTORY);
+        close(folder);
+        folder = inner;
+    }
+    close(folder);
+}
+
+TEST_F(ProgramOpen, FindsANoteBehindAFolderThatCannotBeReadAndNamesTheFolderWhenItDoesNot)
+{
+    const std::string data = home_.Path("home/data");
+    const std::string url = Put("first.vlt", kZebra);
+    fs::create_directories(data + "/z");
+    fs::rename(data + "/first.vlt", data + "/z/first.vlt");
+    MakeFolderThatCannotBeRead(data + "/b");
+    const ProgramResult result = home_.Run({"open", url});
+    EXPECT_EQ(result.exit, 0) << result.err;
+    EXPECT_THAT(result.out, HasSubstr("Subject: Zebra\n"));
+    ExpectOneClearLine(home_.Run({"open", "Pavex:///8025000000000001//0123456789ABCDEF8025000000000002"}), 1,
+                       {"no database here has the replica id 8025000000000001", "not looked into: " + data + "/b/aaa",
+                        "File name too long"});
+    fs::remove_all(data + "/b");
+}
+
+TEST_F(ProgramOpen, NamesADatabaseThatCannotBeLookedInto)
+{
+    const std::string url = Put("a.vlt", kZebra);
+    WriteWholeFile(home_.Path("home/data/a.vlt"), "no database");
+    ExpectOneClearLine(home_.Run({"open", url}), 1, {"not looked into", "a.vlt", "not a database"});
+}
+
+TEST_F(ProgramOpen, LetsNoCharacterOfANoteReachTheTerminalThatItWouldObey)
+{
+    const std::string url = Put("a.vlt", R"({"items": {"Form": "Memo", "Subject": "gpj\u202Eexe.\u2028two\u009B2J",
+ "Body": {"richtext": ["body\u2066\u2029end", {"link": {"replica": "8025000000000001", "note":
+ "0123456789ABCDEF8025000000000002", "text": "label\u202E\u0085"}}]}}})");
+    EXPECT_THAT(home_.Run({"open", url}).out, testing::AllOf(HasSubstr("Subject: gpjexe. two 2J\n"),
+                                                             HasSubstr("body end\n"), HasSubstr("label  <Pavex")));
+    const std::string raw = home_.Run({"open", "--raw", url}).out;
+    EXPECT_THAT(raw, HasSubstr("\"gpj\\u202eexe.\\u2028two\\u009b2J\""));
+    EXPECT_EQ(Json::parse(raw)["items"]["Subject"], "gpj\u202Eexe.\u2028two\u009B2J");
+    EXPECT_THAT(home_.Run({"history"}).out, HasSubstr("\tgpjexe. two 2J\t"));
+    EXPECT_THAT(home_.Run({"history", "--json"}).out, HasSubstr("\"gpj\\u202eexe.\\u2028two\\u009b2J\""));
+}
+
+TEST_F(ProgramOpen, MakesOneEntryOfANoteThatIsOpenedAndABookmarkOfIt)
+{
+    const std::string url = Put("a.vlt", kZebra);
+    const auto import = [this, &url](const std::string& title, const Lines& options) {
+        WriteWholeFile(home_.Path("bookmarks.html"), "<!DOCTYPE NETSCAPE-Bookmark-file-1>\n<DL><p>\n<DT><A HREF=\"" +
+                                                         url +
+                                                         "\" ADD_DATE=\"1173096000\" LAST_MODIFIED=\"1173096000\" "
+                                                         "TAGS=\"striped\">" +
+                                                         title + "</A>\n</DL><p>\n");
+        Lines command = {"import"};
+        command.insert(command.end(), options.begin(), options.end());
+        command.push_back(home_.Path("bookmarks.html"));
+        const ProgramResult result = home_.Run(command);
+        EXPECT_EQ(result.exit, 0) << result.err;
+    };
+    ASSERT_EQ(home_.Run({"open", url}).exit, 0);
+    const std::string opened = History().at(0)["opened"];
+    import("My animal", {});
+    ASSERT_EQ(History().size(), 1U);
+    EXPECT_EQ(History()[0]["title"], "My animal") << "as the user calls it";
+    EXPECT_EQ(History()[0]["opened"], opened) << "no bookmark is newer";
+
+    ASSERT_EQ(home_.Run({"open", url}).exit, 0);
+    ASSERT_EQ(History().size(), 1U);
+    EXPECT_EQ(History()[0]["title"], "My animal");
+    EXPECT_GT(History()[0]["opened"].get<std::string>(), opened);
+    EXPECT_EQ(home_.RunJson({"note", "get", "--db", "bookmark.vlt", "--json", "1"})["items"]["Categories"],
+              Json::array({"striped"}));
+}
+
+TEST_F(ProgramOpen, KeepsTheEntryOfAnOpenedNoteWhenItsBookmarkGoes)
+{
+    const std::string opened = Put("a.vlt", kZebra);
+    const std::string other = Put("b.vlt", kZebra);
+    const auto write = [this](const std::string& links) {
+        WriteWholeFile(home_.Path("bookmarks.html"),
+                       "<!DOCTYPE NETSCAPE-Bookmark-file-1>\n<DL><p>\n" + links + "</DL><p>\n");
+        const ProgramResult result = home_.Run({"import", "--prune", home_.Path("bookmarks.html")});
+        EXPECT_EQ(result.exit, 0) << result.err;
+    };
+    write("<DT><A HREF=\"" + opened + "\">one</A>\n<DT><A HREF=\"" + other + "\">two</A>\n");
+    ASSERT_EQ(History().size(), 2U);
+    ASSERT_EQ(home_.Run({"open", opened}).exit, 0);
+    ASSERT_EQ(History().size(), 2U);
+    write("");
+    ASSERT_EQ(History().size(), 1U);
+    EXPECT_EQ(History()[0]["url"], opened);
+}
+
+TEST_F(ProgramOpen, StartsThePagerWithAllSignalsAsTheyWere)
+{
+    const std::string url = Put("a.vlt", kZebra);
+    const std::string command = "env --ignore-signal=PIPE --block-signal=TERM " TORVIK_BINARY_DIR "/bin/pavex --home " +
+                                home_.Path("home") + " open " + url;
+    Process paged({"env", "PAGER=cat >/dev/null; sed -nE 's/Sig(Blk|Ign):/\\1/p' /proc/self/status", "script", "-qec",
+                   command, "/dev/null"},
+                  home_.Path("paged"));
+    std::istringstream out(paged.Wait().out);
+    std::string name;
+    uint64_t blocked = 1;
+    uint64_t ignored = ~uint64_t{0};
+    out >> name >> std::hex >> blocked >> name >> ignored;
+    EXPECT_EQ(name, "Ign");
+    EXPECT_EQ(blocked, 0U);
+    for (const int number : {SIGPIPE, SIGINT, SIGQUIT, SIGTERM})
+        EXPECT_EQ(ignored >> (number - 1) & 1, 0U) << number;
+}
+
+TEST_F(ProgramOpen, IsDoneWhenThePagerIsLeftEarly)
+{
+    std::string body;
+    for (int line = 0; line < 20000; ++line)
+        body += "\"a line of many\",";
+    const std::string url =
+        Put("a.vlt", R"({"items": {"Form": "Memo", "Subject": "Long", "Body": {"richtext": [)" + body + R"("end"]}}})");
+    const std::string command = TORVIK_BINARY_DIR "/bin/pavex --home " + home_.Path("home") + " open " + url;
+    Process paged({"env", "PAGER=head -n 1", "script", "-qec", command, "/dev/null"}, home_.Path("paged"));
+    EXPECT_EQ(paged.Wait().exit, 0);
+    EXPECT_EQ(History().size(), 1U);
 }
 
 TEST_F(ProgramOpen, UsesThePagerOnATerminalOnly)

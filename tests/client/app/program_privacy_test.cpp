@@ -47,6 +47,34 @@ TEST(ProgramPrivacy, AWholeHomeIsTheUsersAloneWhateverTheUmask)
     EXPECT_EQ(fs::status(home.Path("open")).permissions(), fs::perms(0666)) << "the umask was that of the test";
 }
 
+TEST(ProgramPrivacy, WhatIsSearchedAndOpenedIsTheUsersAloneWhateverTheUmask)
+{
+    for (const std::string umask : {"0", "022", "0777"}) {
+        SCOPED_TRACE("umask " + umask);
+        ProgramHome home;
+        (void)home.Put(
+            "mail.vlt",
+            R"({"items": {"Form": "Memo", "Subject": "Quinces", "PostedDate": {"time": "2007-03-05T14:00:00Z"}}})");
+        home.Enable();
+        (void)home.Index();
+        const std::string program = TORVIK_BINARY_DIR "/bin/pavex --home " + home.Path("home");
+        Process all({"sh", "-ec",
+                     "umask " + umask + "\n" + program + " search quinces\n" + program + " open 1\n" + program +
+                         " open --raw 1\n" + program + " history\n" + program + " index --full-speed\n" + program +
+                         " search --kind history quinces"},
+                    home.Path("all"));
+        const ProgramResult result = all.Wait();
+        ASSERT_EQ(result.exit, 0) << result.err;
+        EXPECT_THAT(result.out, testing::HasSubstr("1. history"));
+        for (const char* made : {"caches/pavex/search/xapiandb", "caches/pavex/search.lock", "caches/pavex/search/log",
+                                 "log/last-search", "data/bookmark.vlt"})
+            EXPECT_TRUE(fs::exists(home.Path(std::string("home/") + made))) << made;
+        for (const fs::directory_entry& entry : fs::recursive_directory_iterator(home.Path("home")))
+            EXPECT_EQ(entry.status().permissions(), entry.is_directory() ? fs::perms(0700) : fs::perms(0600))
+                << entry.path();
+    }
+}
+
 TEST(ProgramPrivacy, ASealedNoteKeepsItsItemsAndNoneOfThemStandsInAFile)
 {
     ProgramHome home;

@@ -70,6 +70,37 @@ TEST(ProgramSearchHome, MayBeCalledAnythingAndLeavesTheUsersOwnSearchAlone)
     EXPECT_TRUE(fs::is_empty(own));
 }
 
+// The engine's own limit, as the manual page has it.
+TEST(ProgramSearchHome, LeavesANoteOfMoreThanTenMillionBytesOutAndTakesTheRest)
+{
+    ProgramHome home;
+    const std::string folder = home.Path("home/caches/Metadata/Quorvex/Pavex/Spotlight/0123456789ABCDEF/");
+    fs::create_directories(folder);
+    const auto write = [&folder](const std::string& name, size_t bytes) {
+        std::string body;
+        body.reserve(bytes + 20);
+        while (body.size() + 6 < bytes)
+            body += "words ";
+        body.resize(bytes - 1, '.');
+        WriteWholeFile(
+            folder + name + ".vPavexNote",
+            "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\"><dict><key>title</key><string>" + name +
+                " quince</string><key>com.quorvex.pavex.uri</key><string>Pavex:///" + name +
+                "</string><key>com.quorvex.pavex.content</key><string>" + body + "</string></dict></plist>\n");
+    };
+    write("A", 100);
+    write("B", 10'000'000);
+    write("C", 10'000'002);
+    write("D", 100);
+    const ProgramResult result = home.Run({"search", "--json", "quince"});
+    EXPECT_EQ(result.exit, 0) << result.err;
+    Lines found;
+    std::istringstream lines(result.out);
+    for (std::string line; std::getline(lines, line);)
+        found.push_back(Json::parse(line)["title"]);
+    EXPECT_THAT(found, testing::UnorderedElementsAre("A quince", "B quince", "D quince"));
+}
+
 TEST(ProgramSearchHome, SaysWhatIsMissing)
 {
     ProgramHome home;

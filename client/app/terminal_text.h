@@ -1,0 +1,39 @@
+// client/app/terminal_text.h: text as it may go to a terminal: nothing in it moves, hides or turns round what
+// stands there, and no line is wider than the screen.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace pavex {
+
+// Whether the terminal, as TERM names it, can only print.
+bool IsDumbTerminal();
+
+// Whether what goes to standard output may stand out: it is a terminal that can do more than print, and NO_COLOR is
+// not set.
+bool WantsColor();
+
+// How wide standard output is, in columns; 0 when it is no terminal: lines are as long as they are.
+size_t TerminalColumns();
+
+// UTF-8 on one line: control characters and line and paragraph separators become blanks; characters that show
+// nothing themselves but order or hide others (the bidirectional controls, invisible marks and tags) go, but for
+// the joiners that scripts and emoji are written with.  What is no UTF-8 becomes U+FFFD.
+std::string PrintableLine(std::string_view utf8);
+
+// JSON text with the same characters, which stand within its strings only, as \u escapes: it means the same.
+std::string EscapeUnprintable(std::string_view json);
+
+// The columns that a text takes at most: wide characters count two, accents and a terminal's sequences (those that
+// begin with ESC [) nothing.
+size_t ColumnsOf(std::string_view utf8);
+
+// A line over as many as it takes, broken at blanks, between characters of scripts without them, or anywhere in what
+// is too long by itself; the further ones begin with `indent` blanks.  columns 0: no limit.  No line end at the end.
+std::string WrapLine(std::string_view utf8, size_t columns, size_t indent);
+// The same with the first line indented, too.
+std::string IndentLine(std::string_view utf8, size_t columns, size_t indent);
+
+}  // namespace pavex
