@@ -37,7 +37,7 @@ icu::UnicodeString Decomposed(UChar32 c)
     return parts.foldCase();
 }
 
-// As the engine's table has it beyond what Unicode takes apart.
+// As the engine's settings have it (recoll.conf) beyond what Unicode takes apart.
 icu::UnicodeString Folded(UChar32 c)
 {
     switch (c) {
@@ -53,6 +53,17 @@ icu::UnicodeString Folded(UChar32 c)
     case 0x142:
     case 0x141:
         return u"l";
+    case 0x110:
+    case 0x111:
+        return u"d";
+    case 0x126:
+    case 0x127:
+        return u"h";
+    case 0x131:
+        return u"i";
+    case 0x166:
+    case 0x167:
+        return u"t";
     case 0x2019:
         return u"'";
     default:

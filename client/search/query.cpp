@@ -4,6 +4,7 @@
 #include <unicode/locid.h>
 #include <unicode/uchar.h>
 #include <unicode/unistr.h>
+#include <unicode/uscript.h>
 
 #include <algorithm>
 #include <array>
@@ -50,46 +51,82 @@ bool IsOneWord(const icu::UnicodeString& text)
     return true;
 }
 
-// Empty when there is nothing to look for.
-std::string Clause(std::string_view word)
+// Written without blanks between words; the engine takes each two of these that stand together for a term.
+bool IsPaired(UChar32 c)
 {
-    const icu::UnicodeString plain = Plain(word);
-    if (!HasTerm(plain))
-        return {};
+    UErrorCode failed = U_ZERO_ERROR;
+    const UScriptCode script = uscript_getScript(c, &failed);
+    return script == USCRIPT_HAN || script == USCRIPT_HIRAGANA || script == USCRIPT_KATAKANA ||
+           script == USCRIPT_HANGUL;
+}
+
+// Whether the text before a blank ends with one of these that has no other to be paired with.  Among words that are to
+// stand together the engine would pass over it.
+bool EndsUnpaired(const icu::UnicodeString& text, int32_t blank)
+{
+    bool isUnpaired = false;
+    for (int32_t at = blank; at > 0 && IsPaired(text.char32At(text.moveIndex32(at, -1))); at = text.moveIndex32(at, -1))
+        isUnpaired = !isUnpaired;
+    return isUnpaired;
+}
+
+// The parts that the engine is to look for, each as it stands.
+std::vector<icu::UnicodeString> Parts(const icu::UnicodeString& text)
+{
+    std::vector<icu::UnicodeString> parts;
+    int32_t begin = 0;
+    for (int32_t blank = text.indexOf(u' '); blank >= 0; blank = text.indexOf(u' ', blank + 1)) {
+        if (!EndsUnpaired(text, blank))
+            continue;
+        parts.push_back(text.tempSubStringBetween(begin, blank));
+        begin = blank + 1;
+    }
+    parts.push_back(text.tempSubString(begin));
+    return parts;
+}
+
+std::string Quoted(const icu::UnicodeString& part)
+{
     std::string text;
-    plain.toUTF8String(text);
-    if (word.ends_with('*') && IsOneWord(plain))
-        return text + "*";
-    const bool isPhrase = plain.indexOf(u' ') >= 0;
-    return "\"" + text + (isPhrase ? "\"l" : "\"");
-}
-
-std::string InField(const std::string& field, std::string_view word)
-{
-    const std::string clause = Clause(word);
-    return clause.empty() ? clause : field + ":" + clause;
-}
-
-std::string WordClause(const std::string& word, const std::set<std::string>& fields)
-{
-    const size_t colon = word.find(':');
-    std::string field = word.substr(0, colon);
-    std::ranges::transform(field, field.begin(), [](char c) { return c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c; });
-    return colon != word.npos && fields.contains(field) ? InField(field, std::string_view(word).substr(colon + 1))
-                                                        : Clause(word);
+    part.toUTF8String(text);
+    return "\"" + text + (part.indexOf(u' ') >= 0 ? "\"l" : "\"");
 }
 
 void Append(const std::string& clause, std::string* query)
 {
-    if (!clause.empty())
-        *query += (query->empty() ? "" : " ") + clause;
+    *query += (query->empty() ? "" : " ") + clause;
+}
+
+// field: with its colon; empty: any.
+void AppendWord(const std::string& field, std::string_view word, std::string* query)
+{
+    const icu::UnicodeString plain = Plain(word);
+    if (word.ends_with('*') && HasTerm(plain) && IsOneWord(plain)) {
+        std::string text;
+        Append(field + plain.toUTF8String(text) + "*", query);
+        return;
+    }
+    for (icu::UnicodeString& part : Parts(plain))
+        if (HasTerm(part.trim()))
+            Append(field + Quoted(part), query);
+}
+
+void AppendWordOfUser(const std::string& word, const std::set<std::string>& fields, std::string* query)
+{
+    const size_t colon = word.find(':');
+    std::string field = word.substr(0, colon);
+    std::ranges::transform(field, field.begin(), [](char c) { return c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c; });
+    if (colon != word.npos && fields.contains(field))
+        AppendWord(field + ":", std::string_view(word).substr(colon + 1), query);
+    else
+        AppendWord({}, word, query);
 }
 
 void AppendFrom(const std::string& from, std::string* query)
 {
     for (size_t at = 0; at < from.size();) {
         const size_t end = std::min(from.find(' ', at), from.size());
-        Append(InField("author", std::string_view(from).substr(at, end - at)), query);
+        AppendWord("author:", std::string_view(from).substr(at, end - at), query);
         at = end + 1;
     }
 }
@@ -100,7 +137,7 @@ std::string BuildQuery(const SearchRequest& request, const std::set<std::string>
 {
     std::string query;
     for (const std::string& word : request.words)
-        Append(WordClause(word, fields), &query);
+        AppendWordOfUser(word, fields, &query);
     if (query.empty())
         return query;
     AppendFrom(request.from, &query);

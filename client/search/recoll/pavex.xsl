@@ -1,5 +1,5 @@
 <?xml version="1.0" encoding="UTF-8"?>
-<!-- A metafile as a page for Recoll: each property a field named by its key, and texts in the body as well.
+<!-- A metafile as a page for Recoll: the content is its body, each other property a field named by its key.
      Keys themselves and the file's own version are never text. -->
 <xsl:stylesheet version="1.0" xmlns:xsl="http://www.w3.org/1999/XSL/Transform">
 <xsl:output method="html" encoding="UTF-8"/>
@@ -54,12 +54,6 @@
     </head>
     <body>
       <xsl:apply-templates select="$properties[. = 'com.quorvex.pavex.content']" mode="body"/>
-      <xsl:apply-templates select="$properties[following-sibling::*[1][self::string or self::array or self::dict]]
-        [not(. = 'com.quorvex.pavex.content' or . = 'com.quorvex.pavex.uri' or . = 'title' or . = 'subject'
-        or . = 'from' or . = 'discussion_authors' or . = 'organizer' or . = 'owner' or . = 'to' or . = 'cc'
-        or . = 'bcc' or . = 'attendees' or . = 'categories' or . = 'recurrence_pattern'
-        or . = 'com_quorvex_morvane_pavex_display_name'
-        or . = 'com_quorvex_morvane_pavex_history_content_url')]" mode="body"/>
     </body>
   </html>
 </xsl:template>

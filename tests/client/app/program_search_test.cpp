@@ -113,6 +113,9 @@ TEST_F(ProgramSearch, FindsExactlyTheNotesThatHoldTheWords)
             {{"bold"}, {kZebra}},
             {{"strasse"}, {kZebra}},
             {{"Straße"}, {kZebra}},
+            {{"東京 会議"}, {}},
+            {{"한국어 검색"}, {kTokyo}},
+            {{"검색 엔진"}, {kTokyo}},
             {{"naive", "cafe"}, {kZebra}},
             {{"naïve café"}, {kZebra}},
             {{"zurich"}, {kVisited, kZebra}},
@@ -329,6 +332,13 @@ TEST_F(ProgramSearch, FindsNothingInATimeThatEndsBeforeItBegins)
                                   before + "\n");
         ExpectOneClearLine(home_->Run({"open", "1"}), 1, {"no result 1"});
     }
+}
+
+TEST_F(ProgramSearch, FindsNoWordsTogetherThatStandInTwoProperties)
+{
+    for (const char* words : {"slides room", "meeting boris", "kilimanjaro work", "safari kilimanjaro",
+                              "brushes garden", "tagebuch privat", "bremen goettingen", "physics universität"})
+        EXPECT_EQ(Found({words}), Lines()) << words;
 }
 
 TEST_F(ProgramSearch, TakesEverySignAsText)

@@ -75,6 +75,20 @@ TEST_F(SamplesTest, BecomeMetafilesWhosePropertiesAreWhatTheirSourcesSay)
     EXPECT_EQ(compared.exit, 0) << compared.out << compared.err;
 }
 
+TEST_F(SamplesTest, AreFoundByExactlyTheWordsAndFieldsThatTheyHold)
+{
+    setenv("TZ", "UTC", 1);
+    (void)Import();
+    Enable();
+    (void)home_.RunJson({"index", "--full-speed", "--json"});
+    const std::string folder = TORVIK_SOURCE_DIR "/tests/client/app/sample_queries/";
+    Process python({"python3", "-B", folder + "check_search.py", TORVIK_BINARY_DIR "/bin/pavex", home_.Path("home"),
+                    folder + "queries.txt", TORVIK_SOURCE_DIR "/client/search/recoll/fields"},
+                   home_.Path("python"));
+    const ProgramResult result = python.Wait();
+    EXPECT_EQ(result.exit, 0) << result.out << result.err;
+}
+
 TEST_F(SamplesTest, AreUnchangedWhenTheyAreImportedAgain)
 {
     const int added = Import()["added"];
