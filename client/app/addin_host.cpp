@@ -25,14 +25,12 @@ constexpr unsigned int kLoad = 0;
 constexpr unsigned int kDialog = 2;
 constexpr unsigned int kUnload = 3;
 
-constexpr const char* kBundlePlace = "../share/pavex/torvik";
-
 }  // namespace
 
 std::unique_ptr<AddIn> AddIn::Load(std::string* error)
 {
     const std::string path = FindLibrary("libtorvik.so");
-    SetAddInBundle((ProgramFolder() / kBundlePlace).lexically_normal().string());
+    SetAddInBundle(BundleFolder());
     void* const library = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (library == nullptr) {
         *error = std::string("cannot load the add-in: ") + dlerror();

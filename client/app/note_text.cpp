@@ -19,20 +19,15 @@ namespace {
 
 constexpr const char* kBold = "\033[1m";
 constexpr const char* kPlain = "\033[0m";
-constexpr const char* kTitleItems[] = {"Subject", "Topic", "Title", "FullName"};
+constexpr std::string_view kTitleItems[] = {"Subject", "Topic", "Title", "FullName"};
 constexpr size_t kRuleLength = 40;
 constexpr size_t kIndent = 4;
-
-bool IsShown(const Item& item)
-{
-    return !item.name.starts_with('$');
-}
 
 // Further lines of a value stand below its first one.
 std::string TextOfField(const Item& item, const ReadingStyle& style)
 {
     const std::string name = PrintableLine(item.name) + ":";
-    std::istringstream lines(Utf8FromScs(TextOfItem(item, ", ")));
+    std::istringstream lines(LinesOfItem(item));
     std::string text;
     for (std::string line; std::getline(lines, line);)
         if (!text.empty() || !line.empty())
@@ -68,20 +63,37 @@ std::string FirstText(const Note& note, std::string_view name)
 
 std::string TitleOfNote(const Note& note)
 {
-    for (const char* name : kTitleItems)
+    for (const std::string_view name : kTitleItems)
         if (std::string title = FirstText(note, name); !title.empty())
             return title;
     return {};
+}
+
+std::string LinesOfItem(const Item& item)
+{
+    std::string text = Utf8FromScs(TextOfItem(item, ", "));
+    std::ranges::replace(text, '\0', '\n');
+    return text;
+}
+
+bool IsTitleItem(std::string_view name)
+{
+    return std::ranges::find(kTitleItems, name) != std::end(kTitleItems);
+}
+
+bool IsShownItem(const Item& item)
+{
+    return !item.name.starts_with('$');
 }
 
 std::string ReadableNote(const Note& note, const ReadingStyle& style)
 {
     std::string text;
     for (const Item& item : note.items)
-        if (IsShown(item))
+        if (IsShownItem(item))
             text += TextOfField(item, style);
     for (const Item& item : note.items) {
-        if (!IsShown(item) || item.type != kTypeRichText)
+        if (!IsShownItem(item) || item.type != kTypeRichText)
             continue;
         text += "\n";
         for (const RichTextPiece& piece : ReadRichText(item.value))

@@ -9,8 +9,10 @@
 #include "client/app/last_search.h"
 #include "client/app/note_finder.h"
 #include "client/app/note_text.h"
+#include "client/app/note_window.h"
 #include "client/app/pager.h"
 #include "client/app/terminal_text.h"
+#include "client/app/window_front_end.h"
 #include "client/store/note_link.h"
 
 namespace pavex {
@@ -20,6 +22,7 @@ namespace {
 struct OpenArguments {
     std::string target;
     bool raw = false;
+    bool window = false;
 };
 
 bool IsNumber(const std::string& text)
@@ -60,14 +63,16 @@ int RunOpen(const OpenArguments& arguments)
     const std::unique_ptr<Database> database = FindNote(*link, &note, &error);
     if (database == nullptr)
         return Fail(url + ": " + error);
+    const std::string title = TitleOfNote(note);
+    const bool isRemembered = RememberInHistory(*link, title.empty() ? url : title, &error);
+    std::string whyNoWindow;
     if (arguments.raw)
         PrintNoteJson(*database, note, false);
-    else
+    else if (!arguments.window || !HasDisplay())
         Show(note);
-    const std::string title = TitleOfNote(note);
-    if (!RememberInHistory(*link, title.empty() ? url : title, &error))
-        return Fail(error);
-    return kExitDone;
+    else if (!ShowNoteWindow(note, &whyNoWindow))
+        return Fail(whyNoWindow);
+    return isRemembered ? kExitDone : Fail(error);
 }
 
 }  // namespace
@@ -76,6 +81,7 @@ CommandFunction ConfigureOpen(CLI::App& options)
 {
     const auto arguments = std::make_shared<OpenArguments>();
     options.add_flag("--raw", arguments->raw, "print the note's items as JSON");
+    options.add_flag("--window", arguments->window, "show it in a window, where there is a display");
     options.add_option("NOTE", arguments->target, "the note's URL, or its number in the last search")->required();
     return [arguments] { return RunOpen(*arguments); };
 }

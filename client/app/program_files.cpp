@@ -20,6 +20,11 @@ fs::path ProgramFolder()
     return fs::read_symlink("/proc/self/exe", none).parent_path();
 }
 
+std::string BundleFolder()
+{
+    return (ProgramFolder() / "../share/pavex/torvik").lexically_normal().string();
+}
+
 std::string FindLibrary(const std::string& name)
 {
     std::string path;

@@ -93,7 +93,7 @@ std::string OpenerLine(const std::vector<std::string>& opener)
             ReplaceEach(&word, "%", "%%");
         line += "\"" + InQuotes(word) + "\" ";
     }
-    return line + "open %(uri)";
+    return line + "open --window %(uri)";
 }
 
 // What a click on a result runs: the kinds are exceptions from what the desktop has for files.

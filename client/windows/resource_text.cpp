@@ -30,16 +30,20 @@ std::string Utf8Of(CFStringRef text)
 
 std::string ResourceText(unsigned int dialog, std::optional<int> control, const char* english)
 {
+    return TableText("dialogs", std::to_string(dialog) + (control ? "." + std::to_string(*control) : ""), english);
+}
+
+std::string TableText(const char* table, const std::string& key, const char* english)
+{
     const CFBundleRef bundle = GetPavexBundle();
     if (bundle == nullptr || *english == '\0')
         return english;
-    const std::string name = std::to_string(dialog) + (control ? "." + std::to_string(*control) : "");
-    const StringOwner key(MakeString(name.c_str()));
+    const StringOwner name(MakeString(key.c_str()));
     const StringOwner value(MakeString(english));
-    const StringOwner table(MakeString("dialogs"));
-    if (key.Get() == nullptr || value.Get() == nullptr || table.Get() == nullptr)
+    const StringOwner file(MakeString(table));
+    if (name.Get() == nullptr || value.Get() == nullptr || file.Get() == nullptr)
         return english;  // no memory
-    const StringOwner text(CFBundleCopyLocalizedString(bundle, key.Get(), value.Get(), table.Get()));
+    const StringOwner text(CFBundleCopyLocalizedString(bundle, name.Get(), value.Get(), file.Get()));
     return text.Get() == nullptr ? english : Utf8Of(text.Get());
 }
 

@@ -11,4 +11,7 @@ namespace pavex {
 // What is empty in English is empty in every language.
 std::string ResourceText(unsigned int dialog, std::optional<int> control, const char* english);
 
+// The text by a key of a table of the bundle, UTF-8; `english`, ASCII, where the user's language has none.
+std::string TableText(const char* table, const std::string& key, const char* english);
+
 }  // namespace pavex

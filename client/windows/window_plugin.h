@@ -6,6 +6,7 @@
 #include <string>
 
 #include "client/windows/front_end.h"
+#include "client/windows/note_view.h"
 
 namespace pavex {
 
@@ -31,6 +32,8 @@ class WindowFrontEnd : public FrontEnd {
 public:
     // Shows the client's window until the user closes it or it is asked to close.
     virtual void RunClient(const ClientWindowContent& content) = 0;
+    // Shows a note until the user closes its window or it is asked to close.
+    virtual void ShowNote(const NoteWindowContent& content) = 0;
 };
 
 }  // namespace pavex

@@ -11,6 +11,7 @@
 #include "client/windows/qt/client_window.h"
 #include "client/windows/qt/control_widgets.h"
 #include "client/windows/qt/dialog_window.h"
+#include "client/windows/qt/note_window.h"
 
 namespace pavex {
 
@@ -90,6 +91,11 @@ void QtFrontEnd::RunClient(const ClientWindowContent& content)
         window.WaitUntilClosed();
     }
     QCoreApplication::processEvents();
+}
+
+void QtFrontEnd::ShowNote(const NoteWindowContent& content)
+{
+    NoteWindow(content).exec();
 }
 
 void QtFrontEnd::CloseAll()

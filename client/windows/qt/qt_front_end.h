@@ -16,6 +16,7 @@ public:
     int MessageBox(const MessageBoxRequest& box) override;
     bool ChooseFile(std::string* path) override;
     void RunClient(const ClientWindowContent& content) override;
+    void ShowNote(const NoteWindowContent& content) override;
 
     // Closes every window, abandoning dialogs and cancelling questions.
     static void CloseAll();

@@ -251,6 +251,32 @@ TEST_F(ProgramOpen, StartsThePagerWithAllSignalsAsTheyWere)
         EXPECT_EQ(ignored >> (number - 1) & 1, 0U) << number;
 }
 
+TEST_F(ProgramOpen, ShowsANoteInAWindowWhenAskedTo)
+{
+    if (!fs::exists(TORVIK_BINARY_DIR "/lib/libpavexqt.so"))
+        GTEST_SKIP() << "built without the window";
+    const std::string url = Put("a.vlt", kZebra);
+    Process window({"env", "QT_QPA_PLATFORM=offscreen", TORVIK_BINARY_DIR "/bin/pavex", "--home", home_.Path("home"),
+                    "open", "--window", url},
+                   home_.Path("window"));
+    EXPECT_TRUE(Eventually([this] { return History().size() == 1; })) << "remembered as soon as it is shown";
+    window.Signal(SIGTERM);
+    const ProgramResult result = window.Wait();
+    EXPECT_TRUE(result.exit == 0 || result.exit == 128 + SIGTERM) << result.exit << "; it may not have been shown yet";
+    EXPECT_EQ(result.out, "") << "nothing for a terminal";
+}
+
+TEST_F(ProgramOpen, ShowsANoteAsTextWhereThereIsNoDisplayForAWindow)
+{
+    const std::string url = Put("a.vlt", kZebra);
+    Process window({"env", "-u", "DISPLAY", "-u", "WAYLAND_DISPLAY", "-u", "QT_QPA_PLATFORM",
+                    TORVIK_BINARY_DIR "/bin/pavex", "--home", home_.Path("home"), "open", "--window", url},
+                   home_.Path("window"));
+    const ProgramResult result = window.Wait();
+    EXPECT_EQ(result.exit, 0) << result.err;
+    EXPECT_THAT(result.out, HasSubstr("Subject: Zebra\n"));
+}
+
 TEST_F(ProgramOpen, IsDoneWhenThePagerIsLeftEarly)
 {
     std::string body;

@@ -93,7 +93,7 @@ TEST_F(Configuration, HasTheSearchWindowOpenEveryKindOfNoteByItsUrl)
     for (const SearchKind& kind : kSearchKinds) {
         EXPECT_THAT(exceptions, HasSubstr(std::string(" ") + kind.mediaType + " "));
         EXPECT_THAT(viewers, HasSubstr(std::string(kind.mediaType) +
-                                       " = \"/o \\\"p%q/pavex\" \"--home\" \"/h 5%%\" open %(uri)\n"));
+                                       " = \"/o \\\"p%q/pavex\" \"--home\" \"/h 5%%\" open --window %(uri)\n"));
     }
 }
 
