@@ -50,12 +50,12 @@ private:
     fs::path path_;
 };
 
-// A message of about 2 KB in words that are as unevenly common as those of a language.
+// A message of about 1 KB in words that are as unevenly common as those of a language.
 std::string Metafile(int number, int version)
 {
     std::mt19937 random(static_cast<unsigned>(number));
     std::string body = version == 0 ? "" : "changed" + std::to_string(version) + " ";
-    for (int word = 0; word < 250; ++word) {
+    for (int word = 0; word < 120; ++word) {
         const double rank = std::generate_canonical<double, 32>(random);
         body += "w" + std::to_string(static_cast<int>(30000 * rank * rank * rank)) + (word % 12 == 11 ? ".\n" : " ");
     }
