@@ -6,6 +6,7 @@
 #include "client/windows/dialog.h"
 #include "client/windows/dialog_resources.h"
 #include "client/windows/front_end.h"
+#include "client/windows/resource_text.h"
 #include "platform/windows.h"
 
 namespace pavex {
@@ -64,9 +65,7 @@ STATUS DeskBrowseGetLocalFile(unsigned long /*window*/, char* path, WORD size)
     const std::string scs = pavex::ScsFromUtf8(chosen);
     if (scs.size() >= size) {
         // A path that was cut would name another file, so a longer one cannot be chosen.
-        shown->MessageBox({"The path is too long: " + std::to_string(scs.size()) + " bytes, at most " +
-                               std::to_string(size - 1) + " can be used.",
-                           chosen, pavex::BoxIcon::Warning, false});
+        shown->MessageBox({pavex::Localized(pavex::kTextPathTooLong), chosen, pavex::BoxIcon::Warning, false});
         return kStatusCancelled;
     }
     std::memcpy(path, scs.c_str(), scs.size() + 1);

@@ -1,4 +1,4 @@
-// client/windows/resource_text.cpp: the texts of dialogs in the user's language.
+// client/windows/resource_text.cpp: the texts of dialogs and of the client's own windows in the user's language.
 #include "client/windows/resource_text.h"
 
 #include "platform/foundation.h"
@@ -45,6 +45,11 @@ std::string TableText(const char* table, const std::string& key, const char* eng
         return english;  // no memory
     const StringOwner text(CFBundleCopyLocalizedString(bundle, name.Get(), value.Get(), file.Get()));
     return text.Get() == nullptr ? english : Utf8Of(text.Get());
+}
+
+std::string Localized(const ClientText& text)
+{
+    return TableText("client", text.key, text.english);
 }
 
 }  // namespace pavex

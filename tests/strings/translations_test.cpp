@@ -14,6 +14,7 @@
 #include "strings/cstring.h"
 #include "strings/string_ids.h"
 #include "strings/string_resources.h"
+#include "tests/client/windows/text_rooms.h"
 #include "tests/support/temporary_directory.h"
 #include "tests/support/translations.h"
 
@@ -32,22 +33,22 @@ struct Room {
     size_t bytes;
 };
 const Room kRooms[] = {
-    {"menu", {kStringMenuEntry}, 28, 63},
-    {"lead-in of a status line", {kStringLeadDatabase, kStringLeadActivity, kStringLeadOverall}, 24, 255},
+    {"menu", {kStringMenuEntry}, kMenuColumns, 63},
+    {"lead-in of a status line", {kStringLeadDatabase, kStringLeadActivity, kStringLeadOverall}, kLeadColumns, 255},
     {"state of a status line",
      {kStringStateOff, kStringStateNothing, kStringStateIndexedUpTo, kStringProgressOverall, kStringProgressDatabase,
       kStringStateIndexingNow, kStringStateNotSaved, kStringActivityHistory, kStringStateInterrupted},
-     68,
+     kStateColumns,
      255},
-    {"instructions, on three lines", {kStringInstructionsOff, kStringInstructionsOn}, 130, 1023},
+    {"instructions, on three lines", {kStringInstructionsOff, kStringInstructionsOn}, kInstructionColumns, 1023},
     {"message box",
      {kStringNoDatabaseChosen, kStringRemoteNotAllowed, kStringCannotOpenDatabase, kStringNoSuchDatabase,
       kStringListFull},
-     108,
+     kBoxColumns,
      kBoxTextBytes},
-    {"question", {kStringReindexQuestion}, 160, kBoxTextBytes},
-    {"notice", {kStringEnableNotice}, 280, kBoxTextBytes},
-    {"caption", {kStringEnableCaption, kStringReindexCaption, kStringListFullCaption}, 24, kBoxTextBytes},
+    {"question", {kStringReindexQuestion}, kQuestionColumns, kBoxTextBytes},
+    {"notice", {kStringEnableNotice}, kNoticeColumns, kBoxTextBytes},
+    {"caption", {kStringEnableCaption, kStringReindexCaption, kStringListFullCaption}, kCaptionColumns, kBoxTextBytes},
     {"category",
      {kStringCategoryHoliday, kStringCategoryVacation, kStringCategoryProjects, kStringCategoryClients,
       kStringCategoryPhoneCalls, kStringCategoryTravel},

@@ -59,7 +59,7 @@ std::map<std::string, std::string> ReadTable(const std::string& language, const 
 {
     std::string content = ReadWholeFile(TableFile(language, table));
     content = std::regex_replace(content, std::regex("/\\*[^*]*\\*/"), "");
-    const std::regex entry("\"([0-9a-z.]+)\" = \"(.*)\";");
+    const std::regex entry("\"([0-9a-z.-]+)\" = \"(.*)\";");
     std::map<std::string, std::string> texts;
     std::istringstream lines(content);
     for (std::string line; std::getline(lines, line);) {

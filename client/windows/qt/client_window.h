@@ -2,6 +2,7 @@
 // the system tray where there is one.
 #pragma once
 
+#include <QAction>
 #include <QEventLoop>
 #include <QMainWindow>
 #include <QPlainTextEdit>
@@ -26,12 +27,16 @@ protected:
 private:
     void AddMenu(const ClientWindowContent& content);
     void AddTrayIcon();
+    void ShowTrayIcon();
+    void OpenDialog();
     void ShowLog();
 
+    std::function<void()> openDialog_;
+    QAction* dialogEntry_ = nullptr;  // the add-in's; none where it has none
     LogTail log_;
     QPlainTextEdit view_;
     QTimer timer_;
-    QSystemTrayIcon tray_;
+    QSystemTrayIcon tray_{this};
     QEventLoop loop_;
     bool closed_ = false;
 };

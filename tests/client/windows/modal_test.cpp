@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 
 #include "client/store/charset.h"
+#include "client/windows/resource_text.h"
 #include "client/windows/text_front_end.h"
 #include "tests/client/windows/recording_procedure.h"
 
@@ -107,7 +108,7 @@ TEST(Modal, RefusesAPathThatDoesNotFitInsteadOfCuttingIt)
     EXPECT_EQ(DeskBrowseGetLocalFile(0, path, sizeof path), kStatusCancelled);
     EXPECT_STREQ(path, "");
     ASSERT_EQ(frontEnd.boxes.size(), 1U);
-    EXPECT_EQ(frontEnd.boxes[0].text, "The path is too long: 256 bytes, at most 255 can be used.");
+    EXPECT_EQ(frontEnd.boxes[0].text, pavex::kTextPathTooLong.english);
     frontEnd.chosen.pop_back();
     EXPECT_EQ(DeskBrowseGetLocalFile(0, path, sizeof path), 0);
 }

@@ -10,6 +10,7 @@
 #include "client/store/charset.h"
 #include "client/store/host.h"
 #include "tests/client/windows/recording_procedure.h"
+#include "tests/client/windows/text_rooms.h"
 #include "tests/support/temporary_directory.h"
 #include "tests/support/translations.h"
 
@@ -29,28 +30,22 @@ Texts EnglishTexts()
     return texts;
 }
 
-// The widest text that a control of a kind has room for.
+// The widest text that a control, or the title, has room for.
 size_t RoomOf(const std::string& key)
 {
-    constexpr size_t kTitleColumns = 36;
     if (key == "2070")
         return kTitleColumns;
     for (const pavex::ControlRow& row : pavex::FindDialogResource(kDialog)->controls) {
-        if ("2070." + std::to_string(row.id) != key)
-            continue;
-        switch (row.kind) {
-        case pavex::ControlKind::Button:
-            return 14;
-        case pavex::ControlKind::Check:
-            return 50;
-        case pavex::ControlKind::Text:
-            return 28;
-        case pavex::ControlKind::List:
-        case pavex::ControlKind::Edit:
-            return 0;
-        }
+        if ("2070." + std::to_string(row.id) == key)
+            return ColumnsOf(row.kind);
     }
     return 0;
+}
+
+// A word in a menu, or a sentence in a box.
+size_t RoomOfClientText(const pavex::ClientText& text)
+{
+    return &text == &pavex::kTextPathTooLong ? kBoxColumns : kMenuColumns;
 }
 
 struct SameAsEnglish {
@@ -109,6 +104,15 @@ TEST_F(ResourceTextTest, IsEnglishWithoutABundleAndInALanguageThatNobodyTranslat
     }
 }
 
+TEST_F(ResourceTextTest, OfTheClientIsEnglishWhereThereIsNoTranslation)
+{
+    for (const std::string& bundle : {std::string(), std::string(TORVIK_SOURCE_DIR "/resources")}) {
+        Speak("en", bundle);
+        for (const pavex::ClientText* text : pavex::kClientTexts)
+            EXPECT_EQ(Localized(*text), text->english);
+    }
+}
+
 TEST_F(ResourceTextTest, IsEnglishWhereTheTranslationLacksIt)
 {
     const TemporaryDirectory bundle;
@@ -142,6 +146,19 @@ TEST_P(DialogTranslation, LeavesNothingEmptyAndNothingInEnglish)
         ASSERT_TRUE(english.contains(key)) << key;
         EXPECT_EQ(text == english.at(key), MayBeEnglish(GetParam(), key)) << key << " " << text;
     }
+}
+
+TEST_P(DialogTranslation, HasTheClientsOwnTextsAndNoOther)
+{
+    Speak(GetParam());
+    Texts shown, english;
+    for (const pavex::ClientText* text : pavex::kClientTexts) {
+        shown[text->key] = Localized(*text);
+        EXPECT_NE(Localized(*text), text->english);
+        EXPECT_LE(Columns(Localized(*text)), RoomOfClientText(*text)) << Localized(*text);
+        EXPECT_EQ(BadPunctuation(GetParam(), Localized(*text)), "") << Localized(*text);
+    }
+    EXPECT_EQ(ReadTable(GetParam(), "client"), shown);
 }
 
 TEST_P(DialogTranslation, FitsTheControls)

@@ -44,7 +44,7 @@ TEST_F(ClientWindowTest, HasTheAddInsMenuEntryWhichOpensTheDialog)
 {
     Run([&](QMainWindow& window) {
         QAction* const entry = Entries(window).front();
-        EXPECT_EQ(entry->text(), "Search && Find...");
+        EXPECT_EQ(entry->text(), "&Search && Find...");
         entry->trigger();
         EXPECT_EQ(opened_, 1);
         EXPECT_TRUE(entry->isEnabled());
@@ -122,6 +122,38 @@ TEST_F(ClientWindowTest, EndsWhenItIsClosedAndByItsMenu)
             EXPECT_FALSE(window.isVisible());
         });
     }
+}
+
+TEST_F(ClientWindowTest, HasAnIconForTheTrayWithTheSameMenuWhichHidesAndShowsIt)
+{
+    Run([&](QMainWindow& window) {
+        auto* const tray = window.findChild<QSystemTrayIcon*>();
+        ASSERT_NE(tray, nullptr);
+        EXPECT_EQ(tray->isVisible(), QSystemTrayIcon::isSystemTrayAvailable());
+        EXPECT_FALSE(tray->icon().isNull());
+        EXPECT_EQ(tray->toolTip(), "Pavex");
+        EXPECT_EQ(tray->contextMenu()->actions(), Entries(window));
+        emit tray->activated(QSystemTrayIcon::Trigger);
+        EXPECT_FALSE(window.isVisible());
+        tray->contextMenu()->actions().front()->trigger();
+        EXPECT_EQ(opened_, 1) << "also while the window is hidden";
+        emit tray->activated(QSystemTrayIcon::Trigger);
+        EXPECT_TRUE(window.isVisible());
+        emit tray->activated(QSystemTrayIcon::Context);
+        EXPECT_TRUE(window.isVisible());
+    });
+}
+
+TEST_F(ClientWindowTest, EndsByTheTraysMenuWhileItIsHidden)
+{
+    bool ended = false;
+    Run([&](QMainWindow& window) {
+        auto* const tray = window.findChild<QSystemTrayIcon*>();
+        emit tray->activated(QSystemTrayIcon::Trigger);
+        tray->contextMenu()->actions().back()->trigger();
+        ended = !tray->isVisible();
+    });
+    EXPECT_TRUE(ended);
 }
 
 TEST_F(ClientWindowTest, ClosesTheDialogWithItself)
