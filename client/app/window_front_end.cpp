@@ -59,10 +59,22 @@ struct MainThreadEnd {
 };
 thread_local MainThreadEnd mainThreadEnd;
 
+// Xlib, where the toolkit has loaded it, has lines of its own to say before it calls exit().
+void SilenceXlib()
+{
+    using Handler = int (*)(void* display);
+    void* const xlib = dlopen("libX11.so.6", RTLD_LAZY | RTLD_NOLOAD);
+    if (xlib == nullptr)
+        return;
+    if (const auto set = reinterpret_cast<Handler (*)(Handler)>(dlsym(xlib, "XSetIOErrorHandler")))
+        set([](void*) { return 0; });
+}
+
 }  // namespace
 
 DisplayGuard::DisplayGuard()
 {
+    SilenceXlib();
     mainThreadEnd.windowsAreInUse = true;
 }
 
