@@ -6,6 +6,7 @@
 #include <QLayout>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QStyle>
 #include <utility>
 
 #include "client/windows/qt/control_widgets.h"
@@ -21,6 +22,7 @@ namespace {
 constexpr const char* kControlId = "controlId";
 constexpr const char* kProgressOf = "progressOf";
 constexpr const char* kShownWith = "shownWith";
+constexpr const char* kDescribedBy = "describedBy";
 
 // An edit field is as wide as the most that fits in it.
 void FitToLimit(const Control& control, QWidget* widget)
@@ -29,6 +31,13 @@ void FitToLimit(const Control& control, QWidget* widget)
     const auto characters = static_cast<int>(std::min(control.editLimit, kMostCharacters));
     const QFontMetrics metrics(widget->font());
     widget->setFixedWidth(metrics.horizontalAdvance('0') * (characters + 3));
+}
+
+// Where lines begin in this layout, also in a language that is written the other way.
+void AlignAtBeginning(QLabel& label)
+{
+    label.setAlignment(QStyle::visualAlignment(label.layoutDirection(), Qt::AlignLeft) | Qt::AlignAbsolute |
+                       Qt::AlignVCenter);
 }
 
 bool IsRead(const QWidget* widget)
@@ -67,6 +76,8 @@ void DialogWindow::FindWidgets()
         const QVariant id = widget->property(kControlId);
         if (id.isValid() && std::as_const(dialog_).Find(id.toInt()) != nullptr)
             widgets_[id.toInt()] = widget;
+        if (auto* const label = qobject_cast<QLabel*>(widget))
+            AlignAtBeginning(*label);
         if (auto* const bar = qobject_cast<QProgressBar*>(widget)) {
             QSizePolicy policy = bar->sizePolicy();
             policy.setRetainSizeWhenHidden(true);
@@ -86,6 +97,8 @@ void DialogWindow::ConnectWidgets()
 {
     for (const auto& [id, widget] : widgets_) {
         ConnectControl(dialog_, id, widget, [this] { Refresh(); });
+        if (const Control* const more = std::as_const(dialog_).Find(widget->property(kDescribedBy).toInt()))
+            widget->setAccessibleDescription(QtText(more->text));
         if (const Control& control = *std::as_const(dialog_).Find(id); control.kind == ControlKind::Edit)
             FitToLimit(control, widget);
     }

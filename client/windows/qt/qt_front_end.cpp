@@ -76,6 +76,7 @@ bool QtFrontEnd::ChooseFile(std::string* path)
     if (dialog_ != nullptr)
         chooser.setWindowTitle(QString::fromStdString(dialog_->Title()));
     chooser.setFileMode(QFileDialog::ExistingFile);
+    chooser.setViewMode(QFileDialog::List);  // the columns of the other one are cut
     chooser.setNameFilters({"*.vlt", "*"});
     if (chooser.exec() != QDialog::Accepted || chooser.selectedFiles().isEmpty())
         return false;

@@ -16,9 +16,9 @@ constexpr int kLineCharacters = 84;
 constexpr int kShortestLineCharacters = 24;
 
 // Lays the text out in lines of this width; their height.
-int LayOut(QTextLayout& layout, int width)
+int LayOut(QTextLayout& layout, int width, Qt::Alignment alignment = Qt::AlignLeft)
 {
-    QTextOption option;
+    QTextOption option(alignment);
     option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
     layout.setTextOption(option);
     qreal height = 0;
@@ -66,7 +66,7 @@ void WrappedLabel::paintEvent(QPaintEvent* /*event*/)
 {
     QPainter painter(this);
     QTextLayout layout(text(), font());
-    LayOut(layout, contentsRect().width());
+    LayOut(layout, contentsRect().width(), alignment());
     painter.setPen(palette().color(foregroundRole()));
     layout.draw(&painter, contentsRect().topLeft());
 }

@@ -184,6 +184,7 @@ TEST_F(ControlsInWindow, AddLooksForDatabasesWhereTheyAre)
         EXPECT_EQ(chooser.directory().absolutePath().toStdString(), home_ / "data");
         EXPECT_EQ(chooser.nameFilters().front(), "*.vlt");
         EXPECT_EQ(chooser.windowTitle(), "Desktop Search Settings");
+        EXPECT_EQ(chooser.viewMode(), QFileDialog::List);
         chooser.reject();
     });
     Open([&] { Click(kButtonAdd); });

@@ -180,6 +180,7 @@ TEST_F(KeysInWindow, ControlsHaveAccessibleNames)
     Open([&] {
         EXPECT_EQ(Widget(kListDatabases)->accessibleName(), "Databases to index:");
         EXPECT_EQ(Widget(kEditFrequency)->accessibleName(), "Look for changes every");
+        EXPECT_EQ(Widget(kEditFrequency)->accessibleDescription(), "minutes");
     });
 }
 

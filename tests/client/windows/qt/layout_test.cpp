@@ -172,6 +172,24 @@ TEST_F(LayoutOfWindow, CutsNothingInLargeLetters)
     QApplication::setFont(before);
 }
 
+// The first and the last column of a widget in which something is drawn.
+std::pair<int, int> Inked(QWidget& widget)
+{
+    const QImage image = widget.grab().toImage();
+    const QRgb ground = image.pixel(0, 0);
+    int first = image.width();
+    int last = -1;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            if (image.pixel(x, y) == ground)
+                continue;
+            first = std::min(first, x);
+            last = std::max(last, x);
+        }
+    }
+    return {first, last};
+}
+
 TEST_F(LayoutOfWindow, IsMirroredForLanguagesFromRightToLeft)
 {
     QApplication::setLayoutDirection(Qt::RightToLeft);
@@ -179,6 +197,11 @@ TEST_F(LayoutOfWindow, IsMirroredForLanguagesFromRightToLeft)
         EXPECT_LT(Place(Widget(kButtonAdd)).right(), Place(Widget(kListDatabases)).left());
         EXPECT_GT(Place(Widget(kLabelFrequency)).left(), Place(Widget(kEditFrequency)).right());
         EXPECT_EQ(Place(Widget(kTextInstructions)).right(), Place(Widget(kCheckEnabled)).right());
+        for (const int id : {kTextInstructions, kTextOverallStatus, kTextActivityStatus, kLabelDatabases}) {
+            const auto [first, last] = Inked(*Widget(id));
+            EXPECT_GT(first, Widget(id)->width() - 1 - last) << id << " begins at the right";
+        }
+        EXPECT_EQ(Widget(kListDatabases)->layoutDirection(), Qt::LeftToRight) << "a path does not end with its root";
         ExpectNothingCut();
         Click(kCheckIdle);
         EXPECT_EQ(Model(kCheckIdle).checked, 1U);
