@@ -3,8 +3,10 @@
 
 #include <QFileDialog>
 #include <QMessageBox>
+#include <QPointer>
 #include <QPushButton>
 #include <utility>
+#include <vector>
 
 #include "client/store/host.h"
 #include "client/windows/dialog.h"
@@ -101,10 +103,14 @@ void QtFrontEnd::ShowNote(const NoteWindowContent& content)
 
 void QtFrontEnd::CloseAll()
 {
-    for (QWidget* const widget : QApplication::topLevelWidgets()) {
+    // One may take another along, as the client's window does its icon in the tray.
+    std::vector<QPointer<QWidget>> widgets;
+    for (QWidget* const widget : QApplication::topLevelWidgets())
+        widgets.emplace_back(widget);
+    for (const QPointer<QWidget>& widget : widgets) {
         if (auto* const window = qobject_cast<QDialog*>(widget); window != nullptr && window->isVisible())
             window->done(QDialog::Rejected);
-        else if (dynamic_cast<ClientWindow*>(widget) != nullptr)
+        else if (dynamic_cast<ClientWindow*>(widget.data()) != nullptr)
             widget->close();
     }
 }

@@ -99,26 +99,21 @@ TEST_P(LayoutOfBoxes, OfTheClientIsWholeInItsMenuAndSpeaksTheLanguage)
 {
     const std::string menuText = ReadTable(GetParam(), "libtorvik").at(std::to_string(kStringMenuEntry));
     QTimer::singleShot(0, [&] {
-        for (QWidget* const widget : QApplication::topLevelWidgets()) {
-            auto* const window = qobject_cast<QMainWindow*>(widget);
-            if (window == nullptr)
-                continue;
-            QMenu* const menu = window->menuBar()->actions().front()->menu();
-            menu->popup(QPoint(0, 0));
-            EXPECT_TRUE(QTest::qWaitForWindowExposed(menu));
-            for (const QAction* const action : menu->actions()) {
-                const int text = menu->fontMetrics().horizontalAdvance(action->text().remove('&'));
-                EXPECT_GE(menu->actionGeometry(const_cast<QAction*>(action)).width(), text);
-                EXPECT_TRUE(menu->rect().contains(menu->actionGeometry(const_cast<QAction*>(action))));
-                EXPECT_TRUE(action->isSeparator() || action->text().contains('&')) << action->text().toStdString();
-            }
-            EXPECT_TRUE(
-                menu->actions().front()->text().remove('&').startsWith(QString::fromStdString(menuText).left(4)));
-            EXPECT_TRUE(menu->actions().back()->text().remove('&').startsWith(
-                QString::fromStdString(Localized(pavex::kTextQuit))));
-            EXPECT_EQ(window->findChild<QPlainTextEdit*>()->accessibleName().toStdString(), Localized(pavex::kTextLog));
-            menu->close();
+        QMainWindow& window = ClientWindowShown();
+        QMenu* const menu = window.menuBar()->actions().front()->menu();
+        menu->popup(QPoint(0, 0));
+        EXPECT_TRUE(QTest::qWaitForWindowExposed(menu));
+        for (const QAction* const action : menu->actions()) {
+            const int text = menu->fontMetrics().horizontalAdvance(action->text().remove('&'));
+            EXPECT_GE(menu->actionGeometry(const_cast<QAction*>(action)).width(), text);
+            EXPECT_TRUE(menu->rect().contains(menu->actionGeometry(const_cast<QAction*>(action))));
+            EXPECT_TRUE(action->isSeparator() || action->text().contains('&')) << action->text().toStdString();
         }
+        EXPECT_TRUE(menu->actions().front()->text().remove('&').startsWith(QString::fromStdString(menuText).left(4)));
+        EXPECT_TRUE(
+            menu->actions().back()->text().remove('&').startsWith(QString::fromStdString(Localized(pavex::kTextQuit))));
+        EXPECT_EQ(window.findChild<QPlainTextEdit*>()->accessibleName().toStdString(), Localized(pavex::kTextLog));
+        menu->close();
         pavex::QtFrontEnd::CloseAll();
     });
     pavex::QtFrontEnd().RunClient({menuText, [] {}, home_ / "client.log"});

@@ -18,10 +18,7 @@ protected:
     {
         pavex::SetFrontEnd(&frontEnd_);
         QTimer::singleShot(0, [&use] {
-            for (QWidget* const widget : QApplication::topLevelWidgets()) {
-                if (auto* const window = qobject_cast<QMainWindow*>(widget))
-                    use(*window);
-            }
+            use(ClientWindowShown());
             pavex::QtFrontEnd::CloseAll();
         });
         frontEnd_.RunClient(content_);

@@ -9,6 +9,7 @@
 #include <QListWidget>
 #include <QPushButton>
 #include <cstdlib>
+#include <stdexcept>
 
 #include "addin/lifecycle.h"
 
@@ -173,6 +174,15 @@ void WindowFixture::NextBox(std::function<void(QMessageBox& box)> answer)
 void WindowFixture::NextChooser(std::function<void(QFileDialog& chooser)> answer)
 {
     chooserAnswers_.push_back(std::move(answer));
+}
+
+QMainWindow& ClientWindowShown()
+{
+    for (QWidget* const widget : QApplication::topLevelWidgets()) {
+        if (auto* const window = qobject_cast<QMainWindow*>(widget))
+            return *window;
+    }
+    throw std::runtime_error("no window");
 }
 
 std::function<void(QMessageBox&)> Answer(QMessageBox::StandardButton button)

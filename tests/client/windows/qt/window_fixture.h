@@ -5,6 +5,7 @@
 
 #include <QDialog>
 #include <QFileDialog>
+#include <QMainWindow>
 #include <QMessageBox>
 #include <QTest>
 #include <QTimer>
@@ -76,6 +77,9 @@ private:
     std::deque<std::function<void(QFileDialog&)>> chooserAnswers_;
     std::vector<SeenBox> boxes_;
 };
+
+// The client's own window; the test fails when there is none.
+QMainWindow& ClientWindowShown();
 
 // Answers for NextBox: a click on a button, a key.
 std::function<void(QMessageBox&)> Answer(QMessageBox::StandardButton button);
