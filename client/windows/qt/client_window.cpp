@@ -6,9 +6,9 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QScrollBar>
-#include <QStyle>
 
 #include "client/windows/qt/mnemonics.h"
+#include "client/windows/qt/program_icon.h"
 #include "client/windows/qt/qt_front_end.h"
 #include "client/windows/resource_text.h"
 
@@ -67,7 +67,7 @@ void ClientWindow::OpenDialog()
 
 void ClientWindow::AddTrayIcon()
 {
-    setWindowIcon(style()->standardIcon(QStyle::SP_FileDialogContentsView));
+    setWindowIcon(ProgramIcon());
     tray_.setIcon(windowIcon());
     tray_.setToolTip(windowTitle());
     connect(&tray_, &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason reason) {

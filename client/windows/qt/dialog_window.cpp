@@ -12,6 +12,7 @@
 #include "client/windows/qt/control_widgets.h"
 #include "client/windows/qt/mnemonics.h"
 #include "client/windows/qt/percentage.h"
+#include "client/windows/qt/program_icon.h"
 #include "ui_settings_dialog.h"
 
 namespace pavex {
@@ -62,6 +63,7 @@ DialogWindow::DialogWindow(Dialog& dialog, QWidget* parent) : QDialog(parent), d
 {
     Ui::SettingsDialog layout;
     layout.setupUi(this);
+    setWindowIcon(ProgramIcon());
     setWindowTitle(QString::fromStdString(dialog.Title()));
     FindWidgets();
     ConnectWidgets();
