@@ -242,6 +242,8 @@ int MeasureWindow(int count)
     home.Set("GDSFilePath1", home.PathOf("gone.vlt"));  // two to select
     home.Set("GoogleWaitTime", "0");
     MakeMailbox(home.PathOf("mail.vlt"), count);
+    const std::string settings = pavex::CurrentPlaces().ini;
+    std::filesystem::copy_file(settings, settings + ".before");
     sync();  // else the first file that is saved waits for the whole mailbox to reach the disk
     pavex::SetAddInBundle(TORVIK_SOURCE_DIR "/resources");
 
@@ -262,6 +264,8 @@ int MeasureWindow(int count)
     const std::vector<double> idle =
         WaitsAtWindow([&] { return MillisecondsSince(idleStart) > (judge ? 10000 : 500); });
 
+    // As they were: the first save writes the most.
+    std::filesystem::copy_file(settings + ".before", settings, std::filesystem::copy_options::overwrite_existing);
     char record[72] = "";
     MainEntryPoint(kMessageLoad, record);
     StartSoon();

@@ -12,8 +12,11 @@
 #include <cstring>
 #include <ctime>
 #include <functional>
+#include <map>
 #include <mutex>
+#include <optional>
 #include <string>
+#include <thread>
 #include <utility>
 
 #include "client/store/charset.h"
@@ -71,9 +74,20 @@ struct Cache {
     VariableMap variables;
 };
 
-std::mutex environmentMutex;  // guards the three below; all are written in this file only
+// Changes by name; none: removed.
+using Changes = std::map<std::string, std::optional<std::string>, NoCaseLess>;
+
+// What a VariableBatch keeps back.
+struct KeptBack {
+    int batches = 0;  // one within another
+    std::thread::id thread{};
+    Changes changes{};
+};
+
+std::mutex environmentMutex;  // guards the four below; all are written in this file only
 Cache cache;
 VariableMap overrides;
+KeptBack keptBack;
 std::string failedWrite;                 // the first since TakeFailedWrite
 std::atomic<int> lockTimeoutMs{10'000};  // written by SetSettingsLockTimeout
 
@@ -168,7 +182,61 @@ bool Change(const std::function<bool(IniText*)>& change)
     return false;
 }
 
+bool Apply(IniText* ini, const std::string& name, const std::optional<std::string>& value)
+{
+    if (value)
+        return ini->Set(kSection, name, *value);
+    ini->Remove(kSection, name);
+    return true;
+}
+
+// True when the change now waits for the end of its thread's batch.  What another thread kept back before is outdated.
+bool KeepBack(const std::string& name, const std::optional<std::string>& value)
+{
+    const std::lock_guard lock(environmentMutex);
+    if (keptBack.batches == 0)
+        return false;
+    IniText probe("");
+    if (keptBack.thread != std::this_thread::get_id() || !Apply(&probe, name, value)) {
+        keptBack.changes.erase(name);
+        return false;
+    }
+    keptBack.changes.insert_or_assign(name, value);
+    return true;
+}
+
+bool ChangeVariable(const std::string& name, const std::optional<std::string>& value)
+{
+    return KeepBack(name, value) || Change([&](IniText* ini) { return Apply(ini, name, value); });
+}
+
 }  // namespace
+
+VariableBatch::VariableBatch()
+{
+    const std::lock_guard lock(environmentMutex);
+    ++keptBack.batches;
+    keptBack.thread = std::this_thread::get_id();
+}
+
+VariableBatch::~VariableBatch()
+{
+    {
+        const std::lock_guard lock(environmentMutex);
+        if (keptBack.batches > 1 || keptBack.changes.empty()) {
+            --keptBack.batches;
+            return;
+        }
+    }
+    // Under the mutex: what another thread has changed since is no longer among them.  A failure is in the log, and
+    // TakeFailedWrite tells.
+    (void)Change([](IniText* ini) {
+        return std::all_of(keptBack.changes.begin(), keptBack.changes.end(),
+                           [ini](const auto& change) { return Apply(ini, change.first, change.second); });
+    });
+    const std::lock_guard lock(environmentMutex);
+    keptBack = {};
+}
 
 bool GetVariable(const std::string& name, std::string* value)
 {
@@ -177,6 +245,10 @@ bool GetVariable(const std::string& name, std::string* value)
     if (overridden != overrides.end()) {
         *value = overridden->second;
         return true;
+    }
+    if (const auto waiting = keptBack.changes.find(name); waiting != keptBack.changes.end()) {
+        *value = waiting->second.value_or("");
+        return waiting->second.has_value();
     }
     const VariableMap& variables = CurrentVariables();
     const auto found = variables.find(name);
@@ -188,15 +260,12 @@ bool GetVariable(const std::string& name, std::string* value)
 
 bool SetVariable(const std::string& name, const std::string& value)
 {
-    return Change([&](IniText* ini) { return ini->Set(kSection, name, value); });
+    return ChangeVariable(name, value);
 }
 
 bool RemoveVariable(const std::string& name)
 {
-    return Change([&](IniText* ini) {
-        ini->Remove(kSection, name);
-        return true;
-    });
+    return ChangeVariable(name, std::nullopt);
 }
 
 std::string TakeFailedWrite()

@@ -53,6 +53,16 @@ void ClearOverrides();
 bool GetVariable(const std::string& name, std::string* value);
 bool SetVariable(const std::string& name, const std::string& value);  // false: the file could not be written
 bool RemoveVariable(const std::string& name);
+// While one lives, what its thread sets and removes is kept back, read by every thread as if it were written, and goes
+// to the file at the end, all of it in one replacement.  One within another changes nothing; one thread at a time has
+// any.  What other threads write meanwhile goes to the file at once, and counts where it came later.
+class VariableBatch {
+public:
+    VariableBatch();
+    ~VariableBatch();
+    VariableBatch(const VariableBatch&) = delete;
+    VariableBatch& operator=(const VariableBatch&) = delete;
+};
 // What the first write that failed failed of, in one line; empty when none did.  Told once.
 std::string TakeFailedWrite();
 // How long a write waits for another process's, 10 seconds unless set; for tests.

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "client/store/charset.h"
+#include "client/store/host.h"
 #include "client/windows/command_handles.h"
 #include "client/windows/dialog_resources.h"
 #include "client/windows/resource_text.h"
@@ -108,8 +109,10 @@ const Control* Dialog::FindNamed(std::string_view numberOrName) const
     return found == controls_.end() ? nullptr : &*found;
 }
 
+// What one message changes in the settings is written together: each write waits for the disk, and the user for all.
 int Dialog::Send(unsigned int message, unsigned long wParam, long lParam)
 {
+    const VariableBatch batch;
     return Ended() || procedure_ == nullptr ? 0 : procedure_(window_, message, wParam, lParam);
 }
 

@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 
 #include "addin/lifecycle.h"
+#include "client/store/host.h"
 #include "client/windows/dialog_resources.h"
 #include "dialog/settings_dialog.h"
 #include "settings/progress.h"
@@ -42,6 +43,26 @@ TEST_F(SaveDialogTest, WritesEveryOptionAsTheControlsSay)
                                               Ini("GDSIndexOnIdle"),     Ini("GDSNoIndexHistory"),
                                               Ini("GDSIndexDiscussion"), Ini("GDSFreqMinutes")};
     EXPECT_THAT(written, ElementsAre("1", "1", "1", "1", "1", "10"));
+}
+
+std::string settingsMeanwhile;
+
+// The user waits for each time that the file is written.
+TEST_F(SaveDialogTest, WritesAllThatOneMessageChangesTogetherAtItsEnd)
+{
+    const std::string before = IniFile();
+    pavex::Dialog dialog(*pavex::FindDialogResource(kSettingsDialogResource),
+                         [](unsigned long, unsigned int, unsigned long, long) {
+                             SetIndexingFreq(42);
+                             SetDbPath(3, "/a.vlt");
+                             settingsMeanwhile = ReadWholeFile(pavex::CurrentPlaces().ini);
+                             return 0;
+                         });
+    dialog.Send(kMessageCommand, kButtonApply, 0);
+    EXPECT_EQ(settingsMeanwhile, before);
+    EXPECT_EQ(Ini("GDSFilePath3"), "/a.vlt");
+    EXPECT_NE(IniFile().find("GDSFreqMinutes=42"), std::string::npos);
+    EXPECT_NE(IniFile().find("GDSFilePath3=/a.vlt"), std::string::npos);
 }
 
 TEST_F(SaveDialogTest, SavesProposedDatabasesWithOk)

@@ -44,6 +44,69 @@ TEST_F(Environment, ReadsBackWhatWasSet)
     EXPECT_NE(ReadWholeFile(Ini()).find("Number=-42\n"), std::string::npos);
 }
 
+TEST_F(Environment, KeepsABatchBackAndWritesItInOneReplacement)
+{
+    WriteWholeFile(Ini(), "[Pavex]\nold=1\nkept=2\n");
+    const std::string before = ReadWholeFile(Ini());
+    {
+        const VariableBatch batch;
+        OSSetEnvironmentInt("a", 3);
+        OSSetEnvironmentVariable("b", "");
+        OSSetEnvironmentVariable("old", nullptr);
+        {
+            const VariableBatch inner;
+            OSSetEnvironmentInt("a", 4);
+        }
+        EXPECT_EQ(ReadWholeFile(Ini()), before);
+        for (const bool other : {false, true}) {
+            const auto read = [] {
+                EXPECT_EQ(OSGetEnvironmentLong("a"), 4);
+                EXPECT_EQ(Text("b"), "");
+                EXPECT_EQ(Text("old"), "none");
+                EXPECT_EQ(OSGetEnvironmentLong("kept"), 2);
+            };
+            if (other)
+                std::thread(read).join();
+            else
+                read();
+        }
+    }
+    EXPECT_EQ(ReadWholeFile(Ini()), "[Pavex]\nkept=2\na=4\nb=\n");
+    OSSetEnvironmentInt("a", 5);
+    EXPECT_NE(ReadWholeFile(Ini()).find("a=5"), std::string::npos);
+}
+
+TEST_F(Environment, WritesWhatOtherThreadsSetDuringABatchAtOnceAndTheLastOneCounts)
+{
+    {
+        const VariableBatch batch;
+        OSSetEnvironmentInt("earlier", 1);
+        std::thread([] {
+            OSSetEnvironmentInt("earlier", 2);
+            OSSetEnvironmentInt("later", 2);
+        }).join();
+        EXPECT_EQ(ReadWholeFile(Ini()).find("earlier=1"), std::string::npos);
+        EXPECT_NE(ReadWholeFile(Ini()).find("later=2"), std::string::npos);
+        EXPECT_EQ(OSGetEnvironmentLong("earlier"), 2);
+        OSSetEnvironmentInt("later", 3);
+    }
+    EXPECT_EQ(OSGetEnvironmentLong("earlier"), 2);
+    EXPECT_EQ(OSGetEnvironmentLong("later"), 3);
+}
+
+TEST_F(Environment, TellsOfABatchThatCouldNotBeWritten)
+{
+    WriteWholeFile(Ini(), "[Pavex]\na=1\n");
+    chmod(Ini().c_str(), 0400);
+    {
+        const VariableBatch batch;
+        OSSetEnvironmentInt("a", 2);
+        EXPECT_EQ(TakeFailedWrite(), "");
+    }
+    EXPECT_NE(TakeFailedWrite().find("read-only"), std::string::npos);
+    EXPECT_EQ(OSGetEnvironmentLong("a"), 1);
+}
+
 TEST_F(Environment, TellsAbsentFromEmpty)
 {
     EXPECT_EQ(Text("Absent"), "none");
