@@ -6,9 +6,10 @@
 #include "client/app/command.h"
 #include "client/app/indexing_state.h"
 #include "client/app/instance_lock.h"
+#include "client/app/json_output.h"
+#include "client/app/terminal_text.h"
 #include "client/check/check.h"
 #include "client/search/configuration.h"
-#include "client/store/log_format.h"
 
 namespace pavex {
 
@@ -63,12 +64,15 @@ void PrintJson(const CheckReport& report)
                             {"repaired", group.repaired},
                             {"examples", examples}});
     }
-    std::cout << OrderedJson{{"databases", report.databases},    {"notes", report.notes},
-                             {"metafiles", report.metafiles},    {"waiting", report.waiting},
-                             {"problems", report.Found()},       {"repaired", report.Repaired()},
-                             {"needs_pass", report.NeedsPass()}, {"findings", findings},
-                             {"remarks", report.Remarks()}}
-                     .dump(-1, ' ', false, nlohmann::json::error_handler_t::replace)
+    std::cout << TextOfJson({{"databases", report.databases},
+                             {"notes", report.notes},
+                             {"metafiles", report.metafiles},
+                             {"waiting", report.waiting},
+                             {"problems", report.Found()},
+                             {"repaired", report.Repaired()},
+                             {"needs_pass", report.NeedsPass()},
+                             {"findings", findings},
+                             {"remarks", report.Remarks()}})
               << '\n';
 }
 
@@ -96,7 +100,7 @@ void PrintGroup(const FindingText& text, const CheckReport::Group& group, bool i
         std::cout << ": " << group.repaired << " repaired";
     std::cout << '\n';
     for (const Example& example : group.examples)
-        std::cout << "    " << OneLine(LineOf(example, metadata)) << '\n';
+        std::cout << "    " << PrintableLine(LineOf(example, metadata)) << '\n';
     if (const uint64_t more = group.count - group.examples.size(); more != 0)
         std::cout << "    and " << more << " more\n";
 }
@@ -108,7 +112,7 @@ void PrintAdvice(const CheckReport& report, bool isRepair)
     if (report.waiting != 0)
         std::cout << Counted(report.waiting, "note waits", "notes wait") << " for the next pass of the indexing\n";
     for (const std::string& remark : report.Remarks())
-        std::cout << OneLine(remark) << '\n';
+        std::cout << PrintableLine(remark) << '\n';
     if (report.Found() == 0)
         std::cout << "nothing is wrong\n";
     else if (!isRepair && report.Repairable() != 0)
@@ -123,7 +127,7 @@ void PrintText(const CheckReport& report, bool isRepair)
 {
     std::cout << Counted(report.databases, "database", "databases") << ", " << Counted(report.notes, "note", "notes")
               << ", " << Counted(report.metafiles, "metafile", "metafiles") << " in "
-              << OneLine(MetadataFolder(CurrentPlaces().caches)) << '\n';
+              << PrintableLine(MetadataFolder(CurrentPlaces().caches)) << '\n';
     for (size_t i = 0; i < static_cast<size_t>(Finding::kCount); ++i)
         if (const CheckReport::Group& group = report.Of(static_cast<Finding>(i)); group.count != 0)
             PrintGroup(TextOf(static_cast<Finding>(i)), group, isRepair);

@@ -29,6 +29,7 @@ std::span<const CommandRow> Commands();
 
 CommandFunction ConfigureCheck(CLI::App& options);
 CommandFunction ConfigureDesktop(CLI::App& options);
+CommandFunction ConfigureExplain(CLI::App& options);
 CommandFunction ConfigureHistory(CLI::App& options);
 CommandFunction ConfigureImport(CLI::App& options);
 CommandFunction ConfigureIndex(CLI::App& options);

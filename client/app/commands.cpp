@@ -24,6 +24,7 @@ constexpr CommandRow kCommands[] = {
     {"open", "show the note behind a search result", ConfigureOpen},
     {"history", "list the notes that were opened", ConfigureHistory},
     {"check", "hold databases and metafiles against each other", ConfigureCheck},
+    {"explain", "tell why a note is findable, or is not", ConfigureExplain},
 };
 
 // The user's own choice comes before what the locale says.

@@ -7,6 +7,7 @@
 #include "client/app/json_input.h"
 #include "client/app/json_output.h"
 #include "client/app/note_json.h"
+#include "client/app/note_target.h"
 #include "client/app/note_text.h"
 #include "client/app/terminal_text.h"
 #include "client/store/database.h"
@@ -168,10 +169,7 @@ std::optional<uint32_t> FindNote(Database& database, const std::string& name)
 {
     if (const std::optional<UNID> unid = UnidFromHex(name))
         return database.FindUnid(*unid);
-    if (name.empty() || name.size() > 10 || name.find_first_not_of("0123456789") != std::string::npos)
-        return std::nullopt;
-    const unsigned long number = std::stoul(name);
-    return number <= 0x7FFFFFFF ? std::optional<uint32_t>(static_cast<uint32_t>(number)) : std::nullopt;
+    return NoteIdFromText(name);
 }
 
 int Get(const NoteOptions& options)

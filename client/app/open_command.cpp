@@ -6,8 +6,8 @@
 
 #include "client/app/command.h"
 #include "client/app/history.h"
-#include "client/app/last_search.h"
 #include "client/app/note_finder.h"
+#include "client/app/note_target.h"
 #include "client/app/note_text.h"
 #include "client/app/note_window.h"
 #include "client/app/pager.h"
@@ -25,23 +25,6 @@ struct OpenArguments {
     bool window = false;
 };
 
-bool IsNumber(const std::string& text)
-{
-    constexpr size_t kMostDigits = 6;
-    return !text.empty() && text.size() <= kMostDigits && text.find_first_not_of("0123456789") == text.npos;
-}
-
-// Empty, after a line on standard error, when there is no such result.
-std::string UrlOfTarget(const std::string& target)
-{
-    if (!IsNumber(target))
-        return target;
-    const std::optional<std::string> url = UrlOfLastSearch(std::stoul(target));
-    if (!url)
-        (void)Fail("the last search has no result " + target);
-    return url.value_or("");
-}
-
 void Show(const Note& note)
 {
     const std::string text = ReadableNote(note, {WantsColor(), TerminalColumns()});
@@ -52,14 +35,15 @@ void Show(const Note& note)
 
 int RunOpen(const OpenArguments& arguments)
 {
-    const std::string url = UrlOfTarget(arguments.target);
-    if (url.empty())
-        return kExitFailed;
+    std::string error;
+    const std::optional<std::string> target = UrlOfTarget(arguments.target, &error);
+    if (!target)
+        return Fail(error);
+    const std::string& url = *target;
     const std::optional<NOTELINK> link = LinkFromUrl(url);
     if (!link)
         return Fail(url + " is no address of a note (Pavex:///...) and no number of a search result");
     Note note;
-    std::string error;
     const std::unique_ptr<Database> database = FindNote(*link, &note, &error);
     if (database == nullptr)
         return Fail(url + ": " + error);

@@ -10,7 +10,7 @@
 
 #include "client/app/command.h"
 #include "client/app/last_search.h"
-#include "client/app/program_files.h"
+#include "client/app/search_folders.h"
 #include "client/app/search_report.h"
 #include "client/foundation/languages.h"
 #include "client/search/query.h"
@@ -52,16 +52,6 @@ std::optional<int64_t> UnixFromDate(const std::string& text)
 std::string WhyNoDate(const std::string& text)
 {
     return UnixFromDate(text) ? std::string() : "\"" + text + "\" is no date; write 2007-03-05 or 2007-03-05T14:00:00Z";
-}
-
-SearchFolders FoldersOfHome()
-{
-    const std::string& caches = CurrentPlaces().caches;
-    std::vector<std::string> opener = {(ProgramFolder() / "pavex").string()};
-    if (const std::string& home = CurrentPlaces().home; !home.empty())
-        opener.insert(opener.end(), {"--home", home});
-    return {(ProgramFolder() / "../share/pavex/recoll").lexically_normal().string(), MetadataFolder(caches),
-            caches + "/pavex/search", opener};
 }
 
 SearchRequest RequestOf(const SearchArguments& arguments)

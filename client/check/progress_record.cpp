@@ -2,10 +2,12 @@
 #include "client/check/progress_record.h"
 
 #include <charconv>
+#include <filesystem>
 #include <sstream>
 
 #include "client/store/charset.h"
 #include "client/store/host.h"
+#include "client/store/note_link.h"
 #include "client/store/timedate.h"
 
 namespace pavex {
@@ -79,6 +81,17 @@ void ReadRecord(ProgressRecord* record)
         ReadInterruption(fields, record);
 }
 
+// The path of a slot.  Without a variable of its own the history's is where it always is: the add-in finds it there.
+std::string PathOfSlot(int slot, const std::string& suffix)
+{
+    std::string path;
+    std::string history = CurrentPlaces().data + "/" + kHistoryFile;
+    std::error_code none;
+    if (!GetVariable("GDSFilePath" + suffix, &path) && slot == kHistorySlot && std::filesystem::exists(history, none))
+        return history;
+    return path;
+}
+
 }  // namespace
 
 bool ProgressRecord::IsHistory() const
@@ -101,7 +114,7 @@ std::vector<ProgressRecord> ReadProgressRecords()
         ProgressRecord record;
         record.slot = slot;
         record.variable = "GDSTimestamp" + suffix;
-        (void)GetVariable("GDSFilePath" + suffix, &record.path);
+        record.path = PathOfSlot(slot, suffix);
         (void)GetVariable(record.variable, &record.text);
         if (record.path.empty() && record.text.empty())
             continue;

@@ -48,8 +48,8 @@ TEST(Commands, AreNamedOnceAndSummedUp)
         EXPECT_TRUE(names.insert(row.name).second) << row.name;
         EXPECT_STRNE(row.summary, "");
     }
-    EXPECT_EQ(names, (std::set<std::string>{"check", "desktop", "history", "import", "index", "note", "open", "run",
-                                            "search", "settings", "status"}));
+    EXPECT_EQ(names, (std::set<std::string>{"check", "desktop", "explain", "history", "import", "index", "note", "open",
+                                            "run", "search", "settings", "status"}));
 }
 
 TEST(Commands, HaveAManPageThatNamesExactlyTheirOptions)
