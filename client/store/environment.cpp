@@ -268,6 +268,27 @@ bool RemoveVariable(const std::string& name)
     return ChangeVariable(name, std::nullopt);
 }
 
+std::map<std::string, std::string> FileVariables()
+{
+    const std::lock_guard lock(environmentMutex);
+    const VariableMap& variables = CurrentVariables();
+    return {variables.begin(), variables.end()};
+}
+
+bool ChangeVariables(const std::function<VariableChanges(const std::map<std::string, std::string>&)>& decide)
+{
+    return Change([&](IniText* ini) {
+        const VariableMap variables = ini->Variables(kSection);
+        for (const auto& [name, value] : decide({variables.begin(), variables.end()})) {
+            if (!value)
+                ini->Remove(kSection, name);
+            else if (!ini->Set(kSection, name, *value))
+                return false;
+        }
+        return true;
+    });
+}
+
 std::string TakeFailedWrite()
 {
     const std::lock_guard lock(environmentMutex);

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <functional>
+#include <map>
+#include <optional>
 #include <string>
 #include <variant>
 #include <vector>
@@ -63,6 +65,13 @@ public:
     VariableBatch(const VariableBatch&) = delete;
     VariableBatch& operator=(const VariableBatch&) = delete;
 };
+// Every variable of the file as it is now, without the overrides; names as they are written there.
+std::map<std::string, std::string> FileVariables();
+// Changes several at once: no reader sees some of them changed and others not, and no other writer comes between
+// what `decide` is given (as FileVariables) and the writing of what it answers: new values, nothing for one that
+// goes.  `decide` must not read or write variables.  False: the file could not be written.
+using VariableChanges = std::map<std::string, std::optional<std::string>>;
+bool ChangeVariables(const std::function<VariableChanges(const std::map<std::string, std::string>&)>& decide);
 // What the first write that failed failed of, in one line; empty when none did.  Told once.
 std::string TakeFailedWrite();
 // How long a write waits for another process's, 10 seconds unless set; for tests.

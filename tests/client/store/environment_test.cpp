@@ -116,6 +116,31 @@ TEST_F(Environment, TellsAbsentFromEmpty)
     EXPECT_EQ(Text("Gone"), "none");
 }
 
+TEST_F(Environment, ChangesSeveralVariablesAtOnce)
+{
+    WriteWholeFile(Ini(), "[Pavex]\n; a comment\na=1\nb=2\n\n[Other]\na=3\n");
+    OverrideVariable("a", "9");
+    std::map<std::string, std::string> seen;
+    EXPECT_TRUE(ChangeVariables([&seen](const std::map<std::string, std::string>& variables) {
+        seen = variables;
+        return VariableChanges{{"A", std::nullopt}, {"b", "20"}, {"c", " x"}};
+    }));
+    ClearOverrides();
+    EXPECT_EQ(seen, (std::map<std::string, std::string>{{"a", "1"}, {"b", "2"}}));
+    EXPECT_EQ(FileVariables(), (std::map<std::string, std::string>{{"b", "20"}, {"c", " x"}}));
+    EXPECT_EQ(ReadWholeFile(Ini()), "[Pavex]\nb=20\nc=\" x\"\n\n\n[Other]\na=3\n");
+}
+
+TEST_F(Environment, ChangesNoneOfSeveralVariablesWhenOneCannotBeWritten)
+{
+    WriteWholeFile(Ini(), "[Pavex]\na=1\n");
+    EXPECT_FALSE(ChangeVariables([](const std::map<std::string, std::string>&) {
+        return VariableChanges{{"a", "2"}, {"b=", "3"}};
+    }));
+    EXPECT_NE(TakeFailedWrite(), "");
+    EXPECT_EQ(ReadWholeFile(Ini()), "[Pavex]\na=1\n");
+}
+
 TEST_F(Environment, GivesTheNumberThatATextBeginsWith)
 {
     WriteWholeFile(Ini(), "[Pavex]\na=12abc\nb=abc\nc= 7 \nd=99999999999999999999\n");
