@@ -43,7 +43,7 @@ public:
     // read: only then is it clear whether the old content is gone (an update) or still there.  Set aside means that
     // the source is read a second time, rather than that any number of entries is kept.
     bool Offer(SourceEntryFound entry, ImportReport* report);
-    bool NeedsSecondReading() const { return setAside_ > 0; }
+    uint64_t SetAside() const { return setAside_; }
     // Brings one entry of the second reading in, where the first one set it aside.
     bool OfferAgain(const SourceEntryFound& entry, ImportReport* report);
     // Keeps what is held of an entry whose present version is none.

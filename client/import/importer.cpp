@@ -178,7 +178,8 @@ public:
         const WalkHandler handler{
             [this](const SourceFile& file) { return ReadFile(file); },
             [this](const std::string& where, const std::string& reason) { Unreadable(where, reason); }};
-        const bool finished = WalkSource(path.string(), handler) && ReadAgain(path_);
+        const bool finished =
+            options_.only.empty() ? WalkSource(path_, handler) && ReadAgain(path_) : ReadSome(handler);
         return finished ? FinishSource() : EndEarly();
     }
 
@@ -257,15 +258,29 @@ private:
         return finished;
     }
 
+    uint64_t SetAside()
+    {
+        uint64_t entries = 0;
+        (void)targets_.Each([&](const EntryStore& store) {
+            entries += store.SetAside();
+            return true;
+        });
+        return entries;
+    }
+
+    // Whether an older content of what was set aside is gone shows only when all is read.
+    bool ReadSome(const WalkHandler& handler)
+    {
+        complete_ = false;
+        const bool finished = WalkFiles(path_, options_.only, handler);
+        report_->passedOver = SetAside();
+        return finished;
+    }
+
     // Brings in what the first reading set aside.
     bool ReadAgain(const std::string& path)
     {
-        bool needed = false;
-        (void)targets_.Each([&](const EntryStore& store) {
-            needed = needed || store.NeedsSecondReading();
-            return true;
-        });
-        if (!needed)
+        if (SetAside() == 0)
             return true;
         state_.bytes = 0;
         SilentReading reading(

@@ -13,9 +13,12 @@ namespace pavex {
 struct ImportOptions {
     enum class As { kMail, kDiscussion };
 
-    std::string into;           // native path of the database; empty: the default one of each kind of source
-    As as = As::kMail;          // the form of the notes: mail, or topics and responses of a discussion
-    bool prune = false;         // delete notes of these sources whose entry is gone
+    std::string into;    // native path of the database; empty: the default one of each kind of source
+    As as = As::kMail;   // the form of the notes: mail, or topics and responses of a discussion
+    bool prune = false;  // delete notes of these sources whose entry is gone
+    // Of the one source, a folder, these files alone: paths below its canonical path.  Nothing counts as gone then,
+    // and entries of which an older content is held are passed over (ImportReport::passedOver).  Empty: all of it.
+    std::vector<std::string> only;
     std::string dataDirectory;  // native path, where the default databases live
 };
 
@@ -33,6 +36,8 @@ struct ImportReport {
     uint64_t updated = 0;
     uint64_t unchanged = 0;
     uint64_t removed = 0;
+    // With ImportOptions::only: entries that the whole source must be read for.  They count as unchanged.
+    uint64_t passedOver = 0;
     std::vector<RejectedEntry> rejected;
     std::vector<RejectedEntry> notices;  // of entries that were added or updated
 };

@@ -53,6 +53,38 @@ bool IsControlFile(std::string_view name)
                        [&](std::string_view suffix) { return name.ends_with(suffix); });
 }
 
+// Of a folder that was named itself, not met inside its Maildir.
+FolderKind KindByPlace(const std::string& path)
+{
+    const size_t slash = path.rfind('/');
+    const std::string parent = path.substr(0, slash);
+    const std::string name = slash == path.npos ? std::string() : path.substr(slash + 1);
+    if ((name != "cur" && name != "new") || !IsFolder(parent + "/cur") || !IsFolder(parent + "/new"))
+        return FolderKind::kPlain;
+    return name == "cur" ? FolderKind::kMaildirCur : FolderKind::kMaildirNew;
+}
+
+FolderKind KindInFolder(FolderKind parent, std::string_view name)
+{
+    if (parent != FolderKind::kPlain)
+        return FolderKind::kPlain;
+    if (name == "cur")
+        return FolderKind::kMaildirCur;
+    return name == "new" ? FolderKind::kMaildirNew : FolderKind::kPlain;
+}
+
+// Of a folder that the walk of the source enters.
+FolderKind KindInSource(const std::string& source, const std::string& path)
+{
+    FolderKind kind = KindByPlace(source);
+    for (size_t at = source.size(); at < path.size();) {
+        const size_t end = std::min(path.find('/', at + 1), path.size());
+        kind = KindInFolder(kind, std::string_view(path).substr(at + 1, end - at - 1));
+        at = end;
+    }
+    return kind;
+}
+
 class Walk {
 public:
     explicit Walk(const WalkHandler& handler) : handler_(handler) {}
@@ -74,59 +106,54 @@ public:
         return true;
     }
 
-private:
-    // Of a folder that was named itself, not met inside its Maildir.
-    static FolderKind KindByPlace(const std::string& path)
+    bool VisitIn(FolderKind folder, const std::string& path)
     {
-        const size_t slash = path.rfind('/');
-        const std::string parent = path.substr(0, slash);
-        const std::string name = slash == path.npos ? std::string() : path.substr(slash + 1);
-        if ((name != "cur" && name != "new") || !IsFolder(parent + "/cur") || !IsFolder(parent + "/new"))
-            return FolderKind::kPlain;
-        return name == "cur" ? FolderKind::kMaildirCur : FolderKind::kMaildirNew;
+        return VisitNamed(path, std::string_view(path).substr(path.rfind('/') + 1), folder);
     }
+
+private:
+    struct Name {
+        std::string text;
+        bool isFile;  // known to be no folder; else it must be asked for
+    };
 
     bool VisitFolder(const PendingFolder& folder)
     {
         struct stat info {};
         if (::stat(folder.path.c_str(), &info) != 0 || !entered_.emplace(info.st_dev, info.st_ino).second)
             return true;
-        std::vector<std::string> names;
+        if (handler_.folder && !handler_.folder(folder.path, true))
+            return false;
+        std::vector<Name> names;
         if (!ListNames(folder.path, &names))
             return true;
         const bool maildir =
             folder.kind == FolderKind::kPlain && (IsFolder(folder.path + "/cur") || IsFolder(folder.path + "/new"));
         std::vector<PendingFolder> folders;
-        for (const std::string& name : names) {
-            const std::string path = folder.path + "/" + name;
-            if (IsFolder(path))
-                NoteFolder(path, name, maildir, &folders);
-            else if (!VisitNamed(path, name, folder.kind))
+        for (const Name& name : names) {
+            const std::string path = folder.path + "/" + name.text;
+            const bool isFolder = !name.isFile && IsFolder(path);
+            if (isFolder ? !NoteFolder(path, name.text, maildir, &folders) : !VisitNamed(path, name.text, folder.kind))
                 return false;
         }
         pending_.insert(pending_.end(), folders.rbegin(), folders.rend());  // the last is entered next
         return true;
     }
 
-    static void NoteFolder(const std::string& path, const std::string& name, bool maildir,
-                           std::vector<PendingFolder>* folders)
+    bool NoteFolder(const std::string& path, const std::string& name, bool maildir, std::vector<PendingFolder>* folders)
     {
         // Folders that begin with a dot are those of a Maildir, or none of the user's.
         if (maildir && name == "tmp")
-            return;
+            return true;
         if (name.starts_with('.') && !IsFolder(path + "/cur") && !IsFolder(path + "/new"))
-            return;
-        FolderKind kind = FolderKind::kPlain;
-        if (maildir && name == "cur")
-            kind = FolderKind::kMaildirCur;
-        else if (maildir && name == "new")
-            kind = FolderKind::kMaildirNew;
-        folders->push_back({path, kind});
+            return !handler_.folder || handler_.folder(path, false);
+        folders->push_back({path, maildir ? KindInFolder(FolderKind::kPlain, name) : FolderKind::kPlain});
+        return true;
     }
 
-    bool VisitNamed(const std::string& path, const std::string& name, FolderKind kind)
+    bool VisitNamed(const std::string& path, std::string_view name, FolderKind kind)
     {
-        if (name.starts_with('.') || IsControlFile(name))
+        if (!handler_.file || !IsSourceName(name))
             return true;
         const bool inMaildir = kind != FolderKind::kPlain;
         return VisitFile(path, inMaildir ? SourceFile::Place::kMaildir : SourceFile::Place::kFolder, kind);
@@ -173,7 +200,7 @@ private:
         return count >= 0;
     }
 
-    bool ListNames(const std::string& path, std::vector<std::string>* names)
+    bool ListNames(const std::string& path, std::vector<Name>* names)
     {
         const std::unique_ptr<DIR, FolderCloser> folder(::opendir(path.c_str()));
         if (!folder) {
@@ -184,11 +211,11 @@ private:
         while (const dirent* entry = ::readdir(folder.get())) {
             const std::string_view name = entry->d_name;
             if (name != "." && name != "..")
-                names->emplace_back(name);
+                names->push_back({std::string(name), entry->d_type == DT_REG});
         }
         if (errno != 0)
             handler_.unreadable(path, std::string("cannot be read to its end: ") + std::strerror(errno));
-        std::sort(names->begin(), names->end());
+        std::sort(names->begin(), names->end(), [](const Name& a, const Name& b) { return a.text < b.text; });
         return true;
     }
 
@@ -215,6 +242,30 @@ MaildirFlags ReadMaildirFlags(std::string_view fileName)
 bool WalkSource(const std::string& path, const WalkHandler& handler)
 {
     return Walk(handler).Run(path);
+}
+
+bool WalkFiles(const std::string& source, const std::vector<std::string>& files, const WalkHandler& handler)
+{
+    Walk walk(handler);
+    for (const std::string& path : files) {
+        struct stat info {};
+        if (!path.starts_with(source + "/") || ::stat(path.c_str(), &info) != 0 || S_ISDIR(info.st_mode))
+            continue;
+        if (!walk.VisitIn(KindInSource(source, path.substr(0, path.rfind('/'))), path))
+            return false;
+    }
+    return true;
+}
+
+bool IsSourceName(std::string_view name)
+{
+    return !name.starts_with('.') && !IsControlFile(name);
+}
+
+bool IsMaildirFile(const std::string& source, const std::string& path)
+{
+    return path.starts_with(source + "/") &&
+           KindInSource(source, path.substr(0, path.rfind('/'))) != FolderKind::kPlain;
 }
 
 }  // namespace pavex

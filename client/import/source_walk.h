@@ -3,6 +3,8 @@
 
 #include <functional>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "client/import/source_reader.h"
 
@@ -17,10 +19,13 @@ struct MaildirFlags {
 MaildirFlags ReadMaildirFlags(std::string_view fileName);
 
 struct WalkHandler {
-    // False ends the walk.
+    // False ends the walk.  Empty: no file is opened.
     std::function<bool(const SourceFile& file)> file;
     // A file or folder that cannot be read: entries may be missing that are still there.
     std::function<void(const std::string& path, const std::string& reason)> unreadable;
+    // A folder, before what lies in it; false ends the walk.  May be empty.
+    //   entered  false for one that is left out only because it is no Maildir (yet).
+    std::function<bool(const std::string& path, bool entered)> folder = {};
 };
 
 // Visits the files of a source in the order of their names.
@@ -33,5 +38,13 @@ struct WalkHandler {
 //  - Symbolic links are followed; each folder is entered once, whatever links lead to it.
 // Returns false when the handler ended the walk.
 bool WalkSource(const std::string& path, const WalkHandler& handler);
+// Visits these files of a source alone, as the walk would, whose paths they have.  Those that are gone, and those that
+// the walk would pass over by their names, are passed over.
+bool WalkFiles(const std::string& source, const std::vector<std::string>& files, const WalkHandler& handler);
+
+// False for the names of files that the walk passes over in a folder.
+bool IsSourceName(std::string_view name);
+// True for a file of a Maildir, which is one message for ever, by its path as the walk of the source gives it.
+bool IsMaildirFile(const std::string& source, const std::string& path);
 
 }  // namespace pavex

@@ -43,7 +43,7 @@ protected:
         store_->BeginSource(source);
         for (const std::string& text : entries)
             EXPECT_TRUE(store_->Offer(EntryOf(text), &report));
-        if (store_->NeedsSecondReading()) {
+        if (store_->SetAside() != 0) {
             for (const std::string& text : entries)
                 EXPECT_TRUE(store_->OfferAgain(EntryOf(text), &report));
         }

@@ -243,5 +243,44 @@ TEST_F(ImporterTest, TellsHowFarItIs)
     EXPECT_EQ(last.totalBytes, box.size());
 }
 
+// ---- Some files of a source alone -------------------------------------------------------------
+
+TEST_F(ImportTest, ReadsTheFilesAloneThatItIsToldToRead)
+{
+    Write("m/cur/1:2,S", Message("1", "one"));
+    Write("m/new/2", Message("2", "two"));
+    options_.prune = true;
+    options_.only = {Source("m/new/2"), Source("m/new/gone")};
+    EXPECT_EQ(Counts(Run({"m"})), "added 1 updated 0 unchanged 0 removed 0 rejected 0");
+    EXPECT_EQ(Subjects(), (std::vector<std::string>{"two"}));
+    EXPECT_EQ(UnreadSubjects(), (std::vector<std::string>{"two"}));
+    Rename("m/new/2", "m/cur/2:2,S");
+    options_.only = {Source("m/cur/2:2,S")};
+    EXPECT_EQ(Counts(Run({"m"})), "added 0 updated 0 unchanged 1 removed 0 rejected 0");
+    EXPECT_EQ(UnreadSubjects(), std::vector<std::string>{});
+    options_.only.clear();
+    EXPECT_EQ(Counts(Run({"m"})), "added 1 updated 0 unchanged 1 removed 0 rejected 0") << "one source, however read";
+    Remove("m/cur/2:2,S");
+    EXPECT_EQ(Counts(Run({"m"})), "added 0 updated 0 unchanged 1 removed 1 rejected 0");
+}
+
+TEST_F(ImportTest, TellsThatTheWholeSourceMustBeReadForAnOlderContentToGo)
+{
+    Write("mail/one.eml", Message("1", "draft"));
+    Write("mail/two.eml", Message("2", "two"));
+    (void)Run({"mail"});
+    Write("mail/one.eml", Message("1", "final"));
+    options_.only = {Source("mail/one.eml")};
+    const ImportReport some = Run({"mail"});
+    EXPECT_EQ(Counts(some), "added 0 updated 0 unchanged 1 removed 0 rejected 0");
+    EXPECT_EQ(some.passedOver, 1U);
+    EXPECT_EQ(Subjects(), (std::vector<std::string>{"draft", "two"}));
+    options_.only.clear();
+    const ImportReport all = Run({"mail"});
+    EXPECT_EQ(Counts(all), "added 0 updated 1 unchanged 1 removed 0 rejected 0");
+    EXPECT_EQ(all.passedOver, 0U);
+    EXPECT_EQ(Subjects(), (std::vector<std::string>{"final", "two"}));
+}
+
 }  // namespace
 }  // namespace pavex

@@ -1,6 +1,7 @@
 // tests/client/import/source_walk_test.cpp: which files of a folder are read.
 #include "client/import/source_walk.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <vector>
 
@@ -132,6 +133,72 @@ TEST_F(SourceWalkTest, StopsWhenTold)
     int seen = 0;
     EXPECT_FALSE(WalkSource(folder_.Path().string(), {[&](const SourceFile&) { return ++seen < 1; }, {}}));
     EXPECT_EQ(seen, 1);
+}
+
+TEST_F(SourceWalkTest, TellsTheFoldersItEntersAndThoseThatAreNoMaildirYet)
+{
+    for (const char* name : {"m/cur/1", "m/tmp/2", "m/.Work/new/3", "m/.Empty/x", "notes/a.md", ".git/HEAD"})
+        Write(name);
+    std::vector<std::string> folders;
+    const size_t prefix = folder_.Path().string().size();
+    WalkHandler handler;
+    handler.unreadable = [](const std::string&, const std::string&) {};
+    handler.folder = [&](const std::string& path, bool entered) {
+        folders.push_back(path.substr(prefix) + (entered ? "" : " passed over"));
+        return true;
+    };
+    EXPECT_TRUE(WalkSource(folder_.Path().string(), handler));
+    EXPECT_EQ(folders, (Found{"", "/.git passed over", "/m", "/m/.Empty passed over", "/m/.Work", "/m/.Work/new",
+                              "/m/cur", "/notes"}));
+    handler.folder = [&](const std::string&, bool) { return false; };
+    EXPECT_FALSE(WalkSource(folder_.Path().string(), handler));
+}
+
+TEST_F(SourceWalkTest, VisitsSingleFilesAsTheWholeWalkWould)
+{
+    const Found names = {"m/new/1", "m/cur/2:2,", "m/cur/3:2,S", "m/cur/cur/4", "one.eml", "sub/new/5:2,DS"};
+    for (const std::string& name : names)
+        Write(name);
+    Write("outside/cur/6");
+    Found whole = Walk();
+    const size_t prefix = folder_.Path().string().size() + 1;
+    const auto visit = [&](const std::string& source, const Found& files) {
+        Found found;
+        Found paths;
+        for (const std::string& file : files)
+            paths.push_back(folder_ / file);
+        const WalkHandler handler{[&](const SourceFile& file) {
+                                      found.push_back(file.path.substr(prefix) +
+                                                      (file.unread == true ? " unread" : "") +
+                                                      (file.draft ? " draft" : ""));
+                                      return true;
+                                  },
+                                  [](const std::string&, const std::string&) {}};
+        EXPECT_TRUE(WalkFiles(source.empty() ? folder_.Path().string() : folder_ / source, paths, handler));
+        return found;
+    };
+    Found all = names;
+    all.emplace_back("outside/cur/6");
+    Found one = visit("", all);
+    std::sort(whole.begin(), whole.end());
+    std::sort(one.begin(), one.end());
+    EXPECT_EQ(one, whole);
+    EXPECT_EQ(visit("m", {"m/new/1", "outside/cur/6", "m/new/gone", "m/cur"}), (Found{"m/new/1 unread"}));
+    Write("m/cur/dovecot-uidlist");
+    EXPECT_EQ(visit("m", {"m/cur/dovecot-uidlist"}), Found{});
+}
+
+TEST_F(SourceWalkTest, KnowsTheFilesOfAMaildirByTheirPlace)
+{
+    for (const char* name : {"m/new/1", "m/cur/2", "other/cur/3"})
+        Write(name);
+    const std::string root = folder_.Path().string();
+    EXPECT_TRUE(IsMaildirFile(root, folder_ / "m/new/1"));
+    EXPECT_TRUE(IsMaildirFile(folder_ / "m/cur", folder_ / "m/cur/2"));
+    EXPECT_TRUE(IsMaildirFile(root, folder_ / "other/cur/3"));
+    EXPECT_FALSE(IsMaildirFile(folder_ / "other/cur", folder_ / "other/cur/3")) << "no Maildir without both";
+    EXPECT_FALSE(IsMaildirFile(root, folder_ / "m/1"));
+    EXPECT_FALSE(IsMaildirFile(root, folder_ / "m/new/cur/1"));
 }
 
 }  // namespace
