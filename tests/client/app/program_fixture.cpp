@@ -11,7 +11,6 @@
 #include <csignal>
 #include <sstream>
 #include <stdexcept>
-#include <thread>
 
 namespace pavex {
 
@@ -194,16 +193,6 @@ std::vector<std::string> ProgramHome::OtherFiles() const
         if (entry.is_regular_file() && !IsMetafile(entry.path()))
             others.push_back(entry.path().string());
     return others;
-}
-
-bool Eventually(const std::function<bool()>& condition)
-{
-    for (int i = 0; i < 6000; ++i) {
-        if (condition())
-            return true;
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    }
-    return false;
 }
 
 void ExpectOneClearLine(const ProgramResult& result, int exit, const std::vector<std::string>& parts)

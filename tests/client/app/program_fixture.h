@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/eventually.h"
 #include "tests/support/temporary_directory.h"
 
 namespace pavex {
@@ -80,9 +81,6 @@ private:
     TemporaryDirectory folder_;
     int runs_ = 0;
 };
-
-// Waits until the condition holds; false after a minute.
-bool Eventually(const std::function<bool()>& condition);
 
 // Fails the test unless the program ended with this status, nothing on standard output and exactly one line
 // on standard error, which holds every one of the parts.
