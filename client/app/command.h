@@ -39,6 +39,7 @@ CommandFunction ConfigureRun(CLI::App& options);
 CommandFunction ConfigureSearch(CLI::App& options);
 CommandFunction ConfigureSettings(CLI::App& options);
 CommandFunction ConfigureStatus(CLI::App& options);
+CommandFunction ConfigureWatch(CLI::App& options);
 
 // Declares every option and command of the program.
 //   home  gets the value of --home; has to live as long as the program's options.

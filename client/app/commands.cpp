@@ -17,6 +17,7 @@ constexpr CommandRow kCommands[] = {
     {"note", "put, get, list and delete single notes", ConfigureNote},
     {"settings", "show and change the desktop search settings", ConfigureSettings},
     {"index", "bring the search metadata up to date, once", ConfigureIndex},
+    {"watch", "have sources read in again when they change", ConfigureWatch},
     {"run", "stay and keep the search metadata up to date", ConfigureRun},
     {"desktop", "stay as run does, with a window and a tray icon", ConfigureDesktop},
     {"status", "tell what is indexed and how far", ConfigureStatus},

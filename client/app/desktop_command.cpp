@@ -3,6 +3,7 @@
 #include "client/app/command.h"
 #include "client/app/instance_lock.h"
 #include "client/app/signals.h"
+#include "client/app/watching.h"
 #include "client/app/window_front_end.h"
 #include "client/store/descriptor.h"
 
@@ -31,7 +32,10 @@ int RunDesktop()
         content.menuText = addIn->MenuText();
     content.openDialog = [&addIn] { addIn->OpenDialog(); };
     content.log = CurrentPlaces().log;
+    const std::unique_ptr<Watcher> watcher = StartWatching();
     frontEnd->RunClient(content);
+    if (watcher != nullptr)
+        watcher->RequestStop();  // both threads end at the same time
     addIn->Stop();
     SetFrontEnd(nullptr);
     if (const std::string failed = TakeFailedWrite(); !failed.empty())

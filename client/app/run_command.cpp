@@ -3,6 +3,7 @@
 #include "client/app/command.h"
 #include "client/app/instance_lock.h"
 #include "client/app/signals.h"
+#include "client/app/watching.h"
 
 namespace pavex {
 
@@ -22,8 +23,11 @@ int Run()
         return Fail(error);
     if (!addIn->Start())
         Log("the desktop search add-in shows no menu entry: the administrator's policy locks it or hides it");
+    const std::unique_ptr<Watcher> watcher = StartWatching();
     while (!WaitForSignal(kLookAroundMs)) {
     }
+    if (watcher != nullptr)
+        watcher->RequestStop();  // both threads end at the same time
     addIn->Stop();
     return kExitDone;
 }

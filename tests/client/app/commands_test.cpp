@@ -49,7 +49,7 @@ TEST(Commands, AreNamedOnceAndSummedUp)
         EXPECT_STRNE(row.summary, "");
     }
     EXPECT_EQ(names, (std::set<std::string>{"check", "desktop", "explain", "history", "import", "index", "note", "open",
-                                            "run", "search", "settings", "status"}));
+                                            "run", "search", "settings", "status", "watch"}));
 }
 
 TEST(Commands, HaveAManPageThatNamesExactlyTheirOptions)
