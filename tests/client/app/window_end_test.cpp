@@ -58,13 +58,16 @@ protected:
 
     // The settings, in a window of their own or in the client's, once notes are being indexed behind it, or, where
     // the changes come slowly, the pass has found none.
-    std::unique_ptr<Process> OpenInAPass()
+    //   environment  "NAME=VALUE", for the program alone: this process's own is being read by the changer's thread.
+    std::unique_ptr<Process> OpenInAPass(const std::vector<std::string>& environment)
     {
         const size_t before = Log().size();
-        std::vector<std::string> command = {TORVIK_BINARY_DIR "/bin/pavex", "--home", home_.Path("home"), GetParam()};
+        std::vector<std::string> command = {"env"};
+        command.insert(command.end(), environment.begin(), environment.end());
         if (GetParam() == std::string("desktop"))
-            command.insert(command.begin(), {"env", "LD_PRELOAD=" TORVIK_BINARY_DIR "/lib/libopens_dialog.so",
-                                             "ASAN_OPTIONS=verify_asan_link_order=0"});
+            command.insert(command.end(), {"LD_PRELOAD=" TORVIK_BINARY_DIR "/lib/libopens_dialog.so",
+                                           "ASAN_OPTIONS=verify_asan_link_order=0"});
+        command.insert(command.end(), {TORVIK_BINARY_DIR "/bin/pavex", "--home", home_.Path("home"), GetParam()});
         auto window = std::make_unique<Process>(command, windows_.Path("window"));
         EXPECT_TRUE(Eventually([&] {
             const std::string added = Log().substr(before);
@@ -100,7 +103,7 @@ TEST_P(WindowEnd, ByAKillOrACrashHarmsNoIndexingState)
         const Changer changer(home_, kNotes, seed_);
         for (int end = 0; end < kEnds; ++end) {
             for (const int signal : {SIGKILL, SIGSEGV}) {
-                const std::unique_ptr<Process> window = OpenInAPass();
+                const std::unique_ptr<Process> window = OpenInAPass({});
                 WaitALittle();
                 window->Signal(signal);
                 EXPECT_NE(window->Wait().exit, 0);
@@ -117,13 +120,12 @@ public:
         : out_(folder.Path("display")), server_({"Xvfb", "-displayfd", "1", "-nolisten", "tcp"}, out_)
     {
         EXPECT_TRUE(Eventually([this] { return ReadWholeFile(out_ + ".out").ends_with('\n'); }));
-        std::string number = ReadWholeFile(out_ + ".out");
-        setenv("DISPLAY", (":" + number.substr(0, number.find('\n'))).c_str(), 1);
-        setenv("QT_QPA_PLATFORM", "xcb", 1);
+        number_ = ReadWholeFile(out_ + ".out");
+        number_.resize(number_.find('\n'));
     }
-    ~Display() { unsetenv("DISPLAY"); }
-    Display(const Display&) = delete;
-    Display& operator=(const Display&) = delete;
+
+    // What a program needs to show its windows here.
+    std::vector<std::string> Environment() const { return {"DISPLAY=:" + number_, "QT_QPA_PLATFORM=xcb"}; }
 
     void Die()
     {
@@ -134,6 +136,7 @@ public:
 private:
     std::string out_;
     Process server_;
+    std::string number_;
 };
 
 bool IsInstalled(const std::string& program)
@@ -150,7 +153,7 @@ TEST_P(WindowEnd, ByTheDeathOfTheDisplayIsToldInOneLineAndHarmsNoIndexingState)
         const Changer changer(home_, kNotes, seed_);
         for (int end = 0; end < kEnds; ++end) {
             Display display(windows_);
-            const std::unique_ptr<Process> window = OpenInAPass();
+            const std::unique_ptr<Process> window = OpenInAPass(display.Environment());
             WaitALittle();
             display.Die();
             ExpectOneClearLine(window->Wait(), 1, {"the display is gone", "not saved", "indexing"});
