@@ -11,7 +11,8 @@ BUILD = sys.argv.pop(1)
 FOLDERS = ("addin", "client", "content", "dialog", "indexers", "metastore", "settings")
 CALL = r"\b(?:(?:Get|Set|Remove|Override)Variable|OS[GS]etEnvironment(?:Long|Int|String|Variable))\(\s*([^,()]+)"
 # These read variables by names that are not written at the call, but as a constant or a row.
-NAMED_ELSEWHERE = ("settings/settings.cpp", "settings/progress.cpp", "client/store/environment.cpp")
+NAMED_ELSEWHERE = ("settings/settings.cpp", "settings/progress.cpp", "client/store/environment.cpp",
+                   "client/check/note_fate.cpp", "client/check/progress_record.cpp", "client/check/repair.cpp")
 CONSTANT = r'constexpr const char\* k\w+Key = "(\w+)";|^    \{"(\w+)", &b\w+, (?:true|false)\}'
 
 # Of variables with a number and what stands behind it, the beginning.
