@@ -92,21 +92,26 @@ int Report(const SearchArguments& arguments, const SearchAnswer& answer)
 }
 
 // Sorting is what takes time when a word stands in very many notes.  The newest of all are the newest of the last
-// year, the last that was asked for, if there are enough of those.
+// year, or the last few, before the last moment that is asked for, if there are enough of those.
 bool AskNewest(const SearchFolders& folders, const SearchRequest& request, unsigned limit, SearchAnswer* answer,
                std::string* error)
 {
-    constexpr int64_t kDay = 86400;
-    constexpr int64_t kYear = 366 * kDay;
+    constexpr int64_t kYear = int64_t{366} * 86400;
+    constexpr int kYears[] = {1, 5};
     const std::string language = StemmingLanguage(cf::CurrentLanguages().languages);
     const std::set<std::string> fields = ReadFieldNames(folders);
-    SearchRequest recent = request;
     const int64_t end = request.before.value_or(std::time(nullptr));
-    recent.after = std::max(request.after.value_or(end - kYear), end - kYear);
-    if (!AskIndex(folders, BuildQuery(recent, fields), language, limit, answer, error))
-        return false;
-    return answer->hits.size() >= limit || recent.after == request.after ||
-           AskIndex(folders, BuildQuery(request, fields), language, limit, answer, error);
+    for (const int years : kYears) {
+        SearchRequest recent = request;
+        recent.after = end - years * kYear;
+        if (request.after && *request.after >= *recent.after)
+            break;
+        if (!AskIndex(folders, BuildQuery(recent, fields), language, limit, answer, error))
+            return false;
+        if (answer->hits.size() >= limit)
+            return true;
+    }
+    return AskIndex(folders, BuildQuery(request, fields), language, limit, answer, error);
 }
 
 // What an index holds that could not be brought up to date is still worth having.
