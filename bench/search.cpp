@@ -155,9 +155,9 @@ UpdateFigures MeasureUpdates(const fs::path& home, int from, int to)
     figures.whole = Search(home, {"unique1"});
     const int changes = std::min(kChanges, to / 2);
     for (int change = 0; change < changes; ++change)
-        WriteMetafile(home, change * (to / changes), 1);
+        WriteMetafile(home, change * (to / changes), to);
     figures.changed = Search(home, {"unique1"});
-    Expect(home, {"--limit", "100000", "changed1"}, changes);
+    Expect(home, {"--limit", "100000", "changed" + std::to_string(to)}, changes);
     std::printf("%d metafiles: all read in %.1f s, %d changed ones in %.1f s, at most %.1f MB\n", to,
                 figures.whole.wallMs / 1000, changes, figures.changed.wallMs / 1000,
                 static_cast<double>(std::max(figures.whole.peakKb, figures.changed.peakKb)) / 1024);
