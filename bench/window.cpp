@@ -123,6 +123,8 @@ public:
         connect(&timer_, &QTimer::timeout, this, [this] { Act(); });
         timer_.start(40);
     }
+    // Before the window goes: a step may be due in the same round of the event loop.
+    void Stop() { timer_.stop(); }
 
 private:
     void Act()
@@ -204,6 +206,7 @@ std::vector<double> WaitsAtWindow(const std::function<bool()>& ended)
         QObject::connect(look, &QTimer::timeout, look, [&waits, ended, user, events] {
             if (!ended() || events->Empty())
                 return;
+            user->Stop();
             waits = events->Stop();
             pavex::QtFrontEnd::CloseAll();
         });
