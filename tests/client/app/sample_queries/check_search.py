@@ -34,6 +34,7 @@ OTHER_NAMES = {"from": "author", "to": "recipient", "subject": "title", "categor
                "start": "startdate", "end": "enddate", "due": "duedate", "company": "companyname", "job": "jobtitle",
                "children": "childrennames", "manager": "managername", "anniversary": "weddinganniversary",
                "office": "businessaddress"}
+OPTIONS = ("--kind", "--from", "--after", "--before")
 MARKER = "xqzTorvikLeadingMarkervqjx"
 # Letters that are typed in more than one way, but have no accent that Unicode could take off.
 LETTERS = {"œ": "oe", "æ": "ae", "ø": "o", "ł": "l", "đ": "d", "ı": "i", "’": "'"}
@@ -133,7 +134,7 @@ class Search:
     @staticmethod
     def options(arguments):
         """They stand first, each with its value."""
-        count = next((at for at in range(0, len(arguments), 2) if not arguments[at].startswith("--")), len(arguments))
+        count = next((at for at in range(0, len(arguments), 2) if arguments[at] not in OPTIONS), len(arguments))
         return arguments[:count]
 
     def ask(self, language, arguments, forms, fewest=0):
@@ -155,10 +156,15 @@ class Search:
         for url in wanted - found:
             print("    not found:", titles[url])
 
+    def names_a_field(self, text):
+        """A text that begins so is no words to look for everywhere."""
+        name, colon, _ = text.partition(":")
+        return bool(colon) and name.lower() in {*self.fields, *OTHER_NAMES}
+
     def ask_for_each_property(self):
-        """The first words of one value of each property of each kind."""
+        """The first words of one value of each property of each kind, in every home the same."""
         seen = collections.Counter()
-        for note in sorted(self.notes, key=lambda note: note.url):
+        for note in sorted(self.notes, key=lambda note: (note.kind, note.properties[CONTENT], str(note.date))):
             for key, value in note.properties.items():
                 first = " ".join(as_text(value).split()[:3])
                 if not words(first) or seen[(note.kind, key)]:
@@ -170,7 +176,7 @@ class Search:
                 elif key != CONTENT:
                     field = {"categories": "keywords", "discussionauthors": "author"}.get(field_of(key), field_of(key))
                     self.ask("ja", [f"{field}:{first}"], {}, fewest=1)
-                if isinstance(value, str) and key not in FIELD_ONLY:
+                if isinstance(value, str) and key not in FIELD_ONLY and not self.names_a_field(first):
                     self.ask("ja", [first], {}, fewest=1)
         kinds = {kind for kind, _ in seen}
         if kinds != set(KINDS.values()):
