@@ -131,8 +131,8 @@ void DatabaseCheck::CheckFiles(const NoteRow& row, const NoteFate& fate, const N
     example.reason = state.reason;
     const Finding finding = FindingOf(state.state);
     report_->Add(finding, example);
-    repair_->MakeRoom(example.file);
-    again_.push_back({row.id, finding});
+    if (repair_->MakeRoom(example.file))
+        again_.push_back({row.id, finding});
 }
 
 bool DatabaseCheck::MayExist(const NoteFiles& files, std::string* reason)

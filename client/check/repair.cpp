@@ -35,11 +35,10 @@ void Repair::RemoveFile(Finding finding, const std::string& path)
         report_->AddRepaired(finding);
 }
 
-void Repair::MakeRoom(const std::string& path)
+bool Repair::MakeRoom(const std::string& path)
 {
     struct stat about {};
-    if (isWanted_ && lstat(path.c_str(), &about) == 0 && !S_ISREG(about.st_mode))
-        (void)Remove(path);
+    return !isWanted_ || lstat(path.c_str(), &about) != 0 || S_ISREG(about.st_mode) || Remove(path);
 }
 
 bool Repair::Empty(const ProgressRecord& record)

@@ -22,8 +22,8 @@ public:
 
     // Removes a file of the metadata folder: a link itself, a folder only when it is empty.
     void RemoveFile(Finding finding, const std::string& path);
-    // What lies at a metafile's place and is no file goes, so that one can be written there.
-    void MakeRoom(const std::string& path);
+    // What lies at a metafile's place and is no file goes, so that one can be written there.  False when it cannot.
+    bool MakeRoom(const std::string& path);
     // The next pass begins at the beginning of the record's database; the record of a slot without one is gone.
     void EmptyRecord(Finding finding, const ProgressRecord& record);
 

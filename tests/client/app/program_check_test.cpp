@@ -272,6 +272,20 @@ TEST_F(ProgramCheck, FindsAndRepairsDamagedMetafiles)
     EXPECT_EQ(home_.CountMetafiles(), 3U);
 }
 
+TEST_F(ProgramCheck, DoesNotCallRepairedWhatItCouldNotMakeRoomFor)
+{
+    MakeThree();
+    const std::string contact = FileOf("vPavexContact");
+    fs::remove(contact);
+    fs::create_directory(contact);
+    WriteWholeFile(contact + "/mine.txt", "mine");
+    const ProgramResult result = home_.Run({"check", "--repair"});
+    EXPECT_EQ(result.exit, 1);
+    EXPECT_THAT(result.out, HasSubstr("1 damaged metafile: 0 repaired"));
+    EXPECT_THAT(result.out, HasSubstr(contact + " cannot be removed: Directory not empty"));
+    EXPECT_EQ(ReadWholeFile(contact + "/mine.txt"), "mine");
+}
+
 TEST_F(ProgramCheck, FindsAMetafileThatIsAnotherNotes)
 {
     MakeThree();
