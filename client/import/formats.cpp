@@ -22,15 +22,33 @@ constexpr FormatRow kFormats[] = {
     {"document", LooksLikeDocument, ReadDocument},  // last: every other kind is text too
 };
 
-constexpr std::string_view kSuffixes[] = {".mbox", ".eml",   ".ics",  ".ical", ".icalendar", ".vcs",
-                                          ".vcf",  ".vcard", ".html", ".htm",  ".txt",       ".md"};
+struct SuffixRow {
+    std::string_view suffix;
+    bool mayBeEmpty;  // a file without a byte is whole
+};
+constexpr SuffixRow kSuffixes[] = {
+    {".mbox", true}, {".eml", false},   {".ics", false},  {".ical", false}, {".icalendar", false}, {".vcs", false},
+    {".vcf", false}, {".vcard", false}, {".html", false}, {".htm", false},  {".txt", true},        {".md", true},
+};
+
+const SuffixRow* SuffixOf(std::string_view path)
+{
+    const auto* row = std::find_if(std::begin(kSuffixes), std::end(kSuffixes),
+                                   [&](const SuffixRow& each) { return EndsWithWord(path, each.suffix); });
+    return row == std::end(kSuffixes) ? nullptr : row;
+}
 
 }  // namespace
 
 bool IsNamedAsSource(std::string_view path)
 {
-    return std::any_of(std::begin(kSuffixes), std::end(kSuffixes),
-                       [&](std::string_view suffix) { return EndsWithWord(path, suffix); });
+    return SuffixOf(path) != nullptr;
+}
+
+bool MayBeEmpty(std::string_view path)
+{
+    const SuffixRow* const row = SuffixOf(path);
+    return row == nullptr || row->mayBeEmpty;
 }
 
 std::span<const FormatRow> Formats()

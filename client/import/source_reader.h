@@ -102,6 +102,9 @@ struct FormatRow {
 std::span<const FormatRow> Formats();
 // True for a file whose name says that it is of one of the formats.
 bool IsNamedAsSource(std::string_view path);
+// False for a file whose name says that it is of a format in which nothing is no whole file: one without a byte is
+// being written, or was damaged.
+bool MayBeEmpty(std::string_view path);
 // The first format that recognises the file; null when none does.
 const FormatRow* FormatOf(const SourceFile& file);
 

@@ -177,7 +177,7 @@ private:
         }
         file.size = static_cast<uint64_t>(info.st_size);
         file.modified = info.st_mtime;
-        if (file.size == 0 && place == SourceFile::Place::kFolder && !path.ends_with(".eml"))
+        if (file.size == 0 && place == SourceFile::Place::kFolder && MayBeEmpty(path))
             return true;
         if (!ReadHead(descriptor.Get(), &file)) {
             handler_.unreadable(path, std::string("cannot be read: ") + std::strerror(errno));

@@ -34,7 +34,7 @@ struct WalkHandler {
 //    every one in "new", is unread; one with D is a draft; one with T was deleted by its reader, who only has
 //    not purged it yet.  The same when "cur", "new" or a file in them is named itself.
 //  - Names that begin with a dot are no files of a source (keepers and control files of mail programs), nor are
-//    the control files that are known by name, nor empty files in a folder unless named as a mailbox or message.
+//    the control files that are known by name, nor empty files in a folder unless named as what cannot be empty.
 //  - Symbolic links are followed; each folder is entered once, whatever links lead to it.
 // Returns false when the handler ended the walk.
 bool WalkSource(const std::string& path, const WalkHandler& handler);

@@ -95,6 +95,19 @@ TEST_F(ImporterTest, ReportsWhatTheReaderTrashedAndPrunesIt)
     EXPECT_EQ(Subjects(), Found{});
 }
 
+TEST_F(ImporterTest, RemovesNothingForAFileThatIsEmptyForAMoment)
+{
+    const std::string card = "BEGIN:VCARD\nVERSION:3.0\nFN:Ann\nUID:1\nEND:VCARD\n";
+    Write("cards/a.vcf", card);
+    options_.into = options_.dataDirectory + "/names.vlt";
+    options_.prune = true;
+    Run({"cards"});
+    Write("cards/a.vcf", "");
+    EXPECT_EQ(Counts(Run({"cards"})), "added 0 updated 0 unchanged 0 removed 0 rejected 1");
+    Write("cards/a.vcf", card);
+    EXPECT_EQ(Counts(Run({"cards"})), "added 0 updated 0 unchanged 1 removed 0 rejected 0");
+}
+
 TEST_F(ImporterTest, UpdatesAChangedMailbox)
 {
     Write("box", kFrom + Message("1@x", "one") + "\n" + kFrom + Message("2@x", "two"));
