@@ -5,6 +5,7 @@
 #include <iostream>
 
 #include "client/app/command.h"
+#include "client/app/terminal_text.h"
 #include "client/foundation/host.h"
 #include "client/store/path.h"
 
@@ -45,7 +46,7 @@ std::span<const CommandRow> Commands()
 
 int Fail(const std::string& message)
 {
-    std::cerr << "pavex: " << message << '\n';
+    std::cerr << "pavex: " << PrintableLine(message) << '\n';
     return kExitFailed;
 }
 

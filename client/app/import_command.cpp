@@ -6,6 +6,8 @@
 #include <nlohmann/json.hpp>
 
 #include "client/app/command.h"
+#include "client/app/json_output.h"
+#include "client/app/terminal_text.h"
 #include "client/import/importer.h"
 
 namespace pavex {
@@ -37,15 +39,15 @@ void PrintJson(const ImportReport& report)
                                 {"rejected", JsonOf(report.rejected)}};
     if (!report.notices.empty())
         json["notices"] = JsonOf(report.notices);
-    std::cout << json.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
+    std::cout << TextOfJson(json) << '\n';
 }
 
 void PrintText(const ImportReport& report)
 {
     for (const RejectedEntry& entry : report.rejected)
-        std::cerr << "pavex: rejected " << entry.where << ": " << entry.reason << '\n';
+        std::cerr << "pavex: rejected " << PrintableLine(entry.where + ": " + entry.reason) << '\n';
     for (const RejectedEntry& entry : report.notices)
-        std::cerr << "pavex: " << entry.where << ": " << entry.reason << '\n';
+        std::cerr << "pavex: " << PrintableLine(entry.where + ": " + entry.reason) << '\n';
     std::cout << report.added << " added, " << report.updated << " updated, " << report.unchanged << " unchanged, "
               << report.removed << " removed, " << report.rejected.size() << " rejected\n";
 }
@@ -63,7 +65,8 @@ public:
     {
         if (shown_) {
             drawn_ = true;
-            std::cerr << "\r\033[K" << progress.source << ": " << progress.entries << " entries" << std::flush;
+            std::cerr << "\r\033[K" << PrintableLine(progress.source) << ": " << progress.entries << " entries"
+                      << std::flush;
         }
         return true;
     }

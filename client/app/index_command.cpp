@@ -9,6 +9,7 @@
 #include "client/app/cycle_report.h"
 #include "client/app/hurried_clock.h"
 #include "client/app/instance_lock.h"
+#include "client/app/json_output.h"
 #include "client/app/policy_check.h"
 #include "client/app/signals.h"
 #include "client/app/slots.h"
@@ -123,9 +124,7 @@ void PrintJson(const std::vector<Slot>& slots, const CycleReport& report, bool s
         else
             databases.push_back(json);
     }
-    std::cout << OrderedJson{{"databases", databases}, {"history", history}, {"stopped", stopped}}.dump(
-                     -1, ' ', false, nlohmann::json::error_handler_t::replace)
-              << '\n';
+    std::cout << TextOfJson({{"databases", databases}, {"history", history}, {"stopped", stopped}}) << '\n';
 }
 
 void PrintText(const std::vector<Slot>& slots, const CycleReport& report, bool stopped)

@@ -7,6 +7,7 @@
 
 #include "client/app/command.h"
 #include "client/app/indexing_state.h"
+#include "client/app/json_output.h"
 #include "client/app/slots.h"
 
 namespace pavex {
@@ -59,7 +60,7 @@ void PrintJson(const std::vector<Slot>& slots, const std::string& whyNot)
         {"enabled", whyNot.empty()}, {"reason", nullptr}, {"databases", databases}, {"log", LastLogLines()}};
     if (!whyNot.empty())
         json["reason"] = whyNot;
-    std::cout << json.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
+    std::cout << TextOfJson(json) << '\n';
 }
 
 std::string StateOf(const Slot& slot)

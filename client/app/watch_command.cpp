@@ -9,6 +9,8 @@
 #include <nlohmann/json.hpp>
 
 #include "client/app/command.h"
+#include "client/app/json_output.h"
+#include "client/app/terminal_text.h"
 #include "client/store/descriptor.h"
 #include "client/watch/read_records.h"
 #include "client/watch/watch_list.h"
@@ -72,25 +74,28 @@ std::string TextOfOptions(const WatchedSource& source)
 void Tell(const WatchedSource& source, const AddedSource& added)
 {
     const std::string options = TextOfOptions(source);
+    const std::string path = PrintableLine(source.path);
     switch (added.outcome) {
     case AddedSource::Outcome::kAdded:
-        std::cout << source.path << ": watched from now on" << options << '\n';
+        std::cout << path << ": watched from now on" << options << '\n';
         break;
     case AddedSource::Outcome::kChanged:
-        std::cout << source.path << ": watched as before, with new options" << options << '\n';
+        std::cout << path << ": watched as before, with new options" << options << '\n';
         break;
     case AddedSource::Outcome::kUnchanged:
-        std::cout << source.path << ": is watched already" << options << '\n';
+        std::cout << path << ": is watched already" << options << '\n';
         break;
     case AddedSource::Outcome::kCovered:
-        std::cout << source.path << ": is watched already, as a part of " << added.covering << '\n';
+        std::cout << path << ": is watched already, as a part of " << PrintableLine(added.covering) << '\n';
         break;
     case AddedSource::Outcome::kFailed:
         break;
     }
-    for (const std::string& part : added.covered)
+    for (const std::string& covered : added.covered) {
+        const std::string part = PrintableLine(covered);
         std::cout << "  " << part << " is a part of it and need not be listed by itself: pavex watch --remove " << part
                   << '\n';
+    }
 }
 
 bool Add(const std::string& given, const WatchArguments& arguments)
@@ -121,7 +126,7 @@ bool Remove(const std::string& given)
     const std::string path = PathOf(given);
     switch (RemoveFromWatchList(path)) {
     case RemovedSource::kRemoved:
-        std::cout << path << ": not watched any more; its notes stay\n";
+        std::cout << PrintableLine(path) << ": not watched any more; its notes stay\n";
         return true;
     case RemovedSource::kNotListed:
         (void)Fail(path + ": is not watched; pavex watch lists what is");
@@ -176,7 +181,7 @@ void PrintJson(const WatchList& list, ReadRecords records)
     for (const WatchListEntry& entry : list.entries)
         sources.push_back(JsonOf(entry.source, records[entry.source.path]));
     const OrderedJson json{{"running", SomebodyWatches()}, {"sources", sources}, {"problems", list.problems}};
-    std::cout << json.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
+    std::cout << TextOfJson(json) << '\n';
 }
 
 void PrintText(const WatchList& list, ReadRecords records)
@@ -184,7 +189,7 @@ void PrintText(const WatchList& list, ReadRecords records)
     if (list.entries.empty())
         std::cout << "no sources are watched; pavex watch SOURCE adds one\n";
     for (const WatchListEntry& entry : list.entries)
-        std::cout << entry.source.path << TextOfOptions(entry.source) << ": "
+        std::cout << PrintableLine(entry.source.path + TextOfOptions(entry.source)) << ": "
                   << StateOf(entry.source, records[entry.source.path]) << '\n';
     if (!list.entries.empty() && !SomebodyWatches())
         std::cout << kNobodyWatches << '\n';

@@ -158,5 +158,18 @@ TEST_F(ProgramRefusal, ABadFirstLineIsNamedAndTheOthersComeIn)
     }
 }
 
+TEST_F(ProgramRefusal, ShowsNamesThatATerminalWouldObeyAsTheyAre)
+{
+    const std::string name = "a\033[31m\xC2\x9B\xE2\x80\xAE.vcf";
+    WriteWholeFile(home_.Path(name), "no card");
+    for (const char* option : {"--prune", "--json"}) {
+        const ProgramResult import = home_.Run({"import", option, home_.Path(name)});
+        for (const char* sign : {"\033", "\xC2\x9B", "\xE2\x80\xAE"})
+            EXPECT_THAT(import.out + import.err, Not(HasSubstr(sign)));
+        EXPECT_THAT(import.out + import.err, HasSubstr(".vcf"));
+    }
+    ExpectOneClearLine(home_.Run({"watch", home_.Path("gone\033\n")}), 1, {"gone", "cannot be watched"});
+}
+
 }  // namespace
 }  // namespace pavex
