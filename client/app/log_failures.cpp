@@ -3,7 +3,6 @@
 #include "client/app/log_failures.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <fstream>
 #include <sstream>
 
@@ -16,6 +15,7 @@ namespace {
 constexpr std::streamoff kTailBytes = 1 << 20;
 constexpr size_t kMostEntries = 3;
 
+constexpr int kOpened = 135;         // a pass over a database begins
 constexpr int kNoteNotOpened = 147;  // names the note alone, and is there only with debugging
 // These name the database: it cannot be opened, its time or its changed notes cannot be read, its pass was
 // interrupted, a note could not be removed.
@@ -30,21 +30,38 @@ bool HasWord(const std::string& line, const std::string& word)
     return false;
 }
 
-bool TellsOf(const std::string& line, const std::string& database, uint32_t note)
-{
-    std::istringstream fields(line);
-    std::string date;
-    std::string time;
-    int id = 0;
-    if (!(fields >> date >> time >> id))
-        return false;
-    if (id != kNoteNotOpened)
-        return std::ranges::find(kDatabaseFailures, id) != std::end(kDatabaseFailures) &&
-               line.find(database) != line.npos;
-    char number[16];
-    std::snprintf(number, sizeof number, "%X", note);
-    return HasWord(line, number);
-}
+// Goes through the entries in order: a note's number says which note only together with the pass that met it.
+class FailureReader {
+public:
+    FailureReader(const std::string& database, uint32_t note) : database_(database)
+    {
+        std::ostringstream number;
+        number << std::uppercase << std::hex << note;
+        note_ = number.str();
+    }
+
+    // True when the entry tells of a failure of the database or the note.
+    bool Tells(const std::string& line)
+    {
+        std::istringstream fields(line);
+        std::string date;
+        std::string time;
+        int id = 0;
+        if (!(fields >> date >> time >> id))
+            return false;
+        const bool isOfDatabase = line.find(database_) != line.npos;
+        if (id == kOpened)
+            isInPass_ = isOfDatabase;
+        if (id == kNoteNotOpened)
+            return isInPass_ && HasWord(line, note_);
+        return isOfDatabase && std::ranges::find(kDatabaseFailures, id) != std::end(kDatabaseFailures);
+    }
+
+private:
+    const std::string database_;
+    std::string note_;
+    bool isInPass_ = true;  // before the first pass whose beginning is there it may be any
+};
 
 }  // namespace
 
@@ -54,9 +71,10 @@ std::vector<std::string> LastFailures(const std::string& database, uint32_t note
     file.seekg(0, std::ios::end);
     const std::streamoff end = file.tellg();
     file.seekg(std::max(end - kTailBytes, std::streamoff{0}));
+    FailureReader reader(database, note);
     std::vector<std::string> entries;
     for (std::string line; std::getline(file, line);)
-        if (TellsOf(line, database, note))
+        if (reader.Tells(line))
             entries.push_back(line);
     if (entries.size() > kMostEntries)
         entries.erase(entries.begin(), entries.end() - kMostEntries);

@@ -28,6 +28,14 @@ TEST_F(LogFailuresTest, AreThoseOfTheDatabaseAndTheNote)
     EXPECT_THAT(LastFailures("none.vlt", 1), IsEmpty());
 }
 
+TEST_F(LogFailuresTest, AreNotThoseOfAnotherDatabasesNoteOfTheSameNumber)
+{
+    const std::string note = "2026-11-21 10:11:13 147 Note 1F could not be opened (status 518)";
+    Write("2026-11-21 10:11:11 135 Database other.vlt is open for indexing\n" + note + "\n");
+    EXPECT_THAT(LastFailures("mail.vlt", 31), IsEmpty());
+    EXPECT_THAT(LastFailures("other.vlt", 31), ElementsAre(note));
+}
+
 TEST_F(LogFailuresTest, AreKnownInAnyLanguage)
 {
     const std::string line = "2026-11-21 10:11:12 143 mail.vlt の変更された文書を一覧できません (status 518)";
