@@ -19,7 +19,7 @@ namespace pavex {
 
 namespace {
 
-constexpr const char* kUsualPager = "less -R";
+constexpr const char* kUsualPager = "less";
 
 // Empty: none.
 std::string ChosenPager()
@@ -68,6 +68,8 @@ bool ShowInPager(const std::string& text)
     std::array<int, 2> ends{};
     if (pager.empty() || pipe2(ends.data(), O_CLOEXEC) != 0)
         return false;
+    // Unless the user has other wishes: bold is bold, and what fits on the screen needs no paging.
+    (void)setenv("LESS", "FRX", 0);
     Descriptor reading(ends[0]);
     Descriptor writing(ends[1]);
     const Ignored brokenPipe(SIGPIPE);
