@@ -19,8 +19,8 @@ _pavex_databases() {
 }
 )";
 
-// Within a specification brackets, colons and backslashes are its own signs.
-std::string InSpecification(const std::string& text)
+// What an option is told to be: brackets, colons and backslashes have a meaning there.
+std::string EscapedForArguments(const std::string& text)
 {
     std::string escaped;
     for (const char c : text) {
@@ -58,7 +58,7 @@ std::string OptionSpecifications(const Argument& option)
         std::string words = excluded + name;
         if (option.kind != ValueKind::None && name.starts_with("--"))
             words += '=';
-        words.append("[").append(InSpecification(option.summary)).append("]").append(value);
+        words.append("[").append(EscapedForArguments(option.summary)).append("]").append(value);
         text += " \\\n        " + Quoted(words);
     }
     return text;
@@ -75,7 +75,7 @@ std::string SubcommandCases(const CommandTree& command)
 {
     std::string text = "    case $state in\n    command)\n        local -a commands=(";
     for (const CommandTree& below : command.commands)
-        text += "\n            " + Quoted(below.name + ":" + InSpecification(below.summary));
+        text += "\n            " + Quoted(below.name + ":" + EscapedForArguments(below.summary));
     text += ")\n        _describe -t commands command commands ;;\n    argument)\n";
     if (command.path.empty())
         text += "        [[ -n ${opt_args[--home]} ]] && pavex_home=${opt_args[--home]}\n";

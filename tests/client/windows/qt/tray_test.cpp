@@ -18,7 +18,7 @@ namespace {
 
 template <typename Reply> using Freed = std::unique_ptr<Reply, decltype(&std::free)>;
 
-// A system tray as the freedesktop specification has it: who owns a certain selection is asked to dock icons.
+// A system tray as desktops on X have it: who owns a certain selection is asked to dock icons.
 class Tray {
 public:
     Tray() : connection_(xcb_connect(nullptr, nullptr))
