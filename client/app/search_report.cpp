@@ -20,9 +20,9 @@ constexpr size_t kSnippetBytes = 200;
 constexpr size_t kIndent = 4;
 
 // From the first text with a hit; from the body when the words stand elsewhere.
-std::string SnippetOf(const std::vector<std::string>& texts, const std::vector<std::string>& terms)
+std::string SnippetOf(const std::vector<std::string>& texts, const SoughtTerms& terms)
 {
-    const auto hasHit = [&terms](const std::string& text) { return !FindMarks(text, terms).empty(); };
+    const auto hasHit = [&terms](const std::string& text) { return !terms.FindIn(text).empty(); };
     for (const std::string& text : texts)
         if (std::string snippet = CutSnippet(text, terms, kSnippetBytes); hasHit(snippet))
             return snippet;
@@ -50,11 +50,11 @@ size_t CountCharacters(std::string_view utf8)
     return count;
 }
 
-nlohmann::ordered_json PlacesOfHits(const std::string& snippet, const std::vector<std::string>& terms)
+nlohmann::ordered_json PlacesOfHits(const std::string& snippet, const SoughtTerms& terms)
 {
     nlohmann::ordered_json places = nlohmann::ordered_json::array();
     const std::string_view text = snippet;
-    for (const Mark& mark : FindMarks(snippet, terms)) {
+    for (const Mark& mark : terms.FindIn(snippet)) {
         const size_t begin = CountCharacters(text.substr(0, mark.begin));
         places.push_back({begin, begin + CountCharacters(text.substr(mark.begin, mark.end - mark.begin))});
     }
@@ -72,7 +72,7 @@ std::string Joined(const std::vector<std::string>& parts)
 // Writes the lines of results.
 class Lines {
 public:
-    explicit Lines(const std::vector<std::string>& terms) : terms_(terms) {}
+    explicit Lines(const SoughtTerms& terms) : terms_(terms) {}
 
     std::string Marked(const std::string& text) const
     {
@@ -91,7 +91,7 @@ public:
     }
 
 private:
-    const std::vector<std::string>& terms_;
+    const SoughtTerms& terms_;
     bool isBold_ = WantsColor();
     size_t columns_ = TerminalColumns();
 };
@@ -100,15 +100,17 @@ private:
 
 std::vector<SearchResult> ReadResults(const SearchAnswer& answer)
 {
+    const SoughtTerms terms(answer.terms);
     std::vector<SearchResult> results;
     for (const SearchHit& hit : answer.hits)
         if (const auto texts = ReadMetafileTexts(hit.metafile))
-            results.push_back({hit, SnippetOf(*texts, answer.terms)});
+            results.push_back({hit, SnippetOf(*texts, terms)});
     return results;
 }
 
 void PrintResultsAsJson(const std::vector<SearchResult>& results, const std::vector<std::string>& terms)
 {
+    const SoughtTerms sought(terms);
     for (const auto& [hit, snippet] : results)
         std::cout << TextOfJson({{"url", hit.url},
                                  {"kind", hit.kind->name},
@@ -116,13 +118,14 @@ void PrintResultsAsJson(const std::vector<SearchResult>& results, const std::vec
                                  {"date", IsoOfStamp(hit.stamp)},
                                  {"people", hit.people},
                                  {"snippet", snippet},
-                                 {"hits", PlacesOfHits(snippet, terms)}})
+                                 {"hits", PlacesOfHits(snippet, sought)}})
                   << '\n';
 }
 
 void PrintResults(const std::vector<SearchResult>& results, const std::vector<std::string>& terms)
 {
-    const Lines lines(terms);
+    const SoughtTerms sought(terms);
+    const Lines lines(sought);
     int number = 0;
     for (const auto& [hit, snippet] : results) {
         lines.PrintFirst(std::to_string(++number) + ". " + hit.kind->name + "  " + LocalOfStamp(hit.stamp) + "  " +

@@ -8,19 +8,17 @@
 #include <unicode/utext.h>
 
 #include <algorithm>
-#include <functional>
 #include <optional>
 
 namespace pavex {
 
 namespace {
 
-// A character of a folded text, and where it comes from.
-struct FoldedCharacter {
-    UChar32 value;
-    Mark origin;
+// A text as the engine holds it, and where each of its characters comes from.
+struct FoldedText {
+    std::u32string characters;
+    std::vector<Mark> origins;
 };
-using FoldedText = std::vector<FoldedCharacter>;
 
 bool IsAccent(UChar32 c)
 {
@@ -72,14 +70,14 @@ icu::UnicodeString Folded(UChar32 c)
 }
 
 // Calls back with each character and its bytes; what is no UTF-8 comes as U+FFFD.
-void VisitCharacters(std::string_view utf8, const std::function<void(UChar32 c, const Mark& bytes)>& callback)
+template <typename Callback> void VisitCharacters(std::string_view utf8, const Callback& callback)
 {
     UErrorCode failed = U_ZERO_ERROR;
     UText text = UTEXT_INITIALIZER;
     utext_openUTF8(&text, utf8.data(), static_cast<int64_t>(utf8.size()), &failed);
     for (UChar32 c = U_FAILURE(failed) ? U_SENTINEL : utext_next32From(&text, 0); c != U_SENTINEL;) {
         const size_t begin = static_cast<size_t>(utext_getPreviousNativeIndex(&text));
-        callback(c, {begin, static_cast<size_t>(utext_getNativeIndex(&text))});
+        callback(c, Mark{begin, static_cast<size_t>(utext_getNativeIndex(&text))});
         c = utext_next32(&text);
     }
     utext_close(&text);
@@ -88,11 +86,19 @@ void VisitCharacters(std::string_view utf8, const std::function<void(UChar32 c, 
 FoldedText Fold(std::string_view utf8)
 {
     FoldedText folded;
-    VisitCharacters(utf8, [&folded](UChar32 c, const Mark& bytes) {
+    const auto add = [&folded](UChar32 c, const Mark& bytes) {
+        folded.characters += static_cast<char32_t>(c);
+        folded.origins.push_back(bytes);
+    };
+    VisitCharacters(utf8, [&add](UChar32 c, const Mark& bytes) {
+        if (c < 0x80) {
+            add(u_tolower(c), bytes);
+            return;
+        }
         const icu::UnicodeString parts = Folded(c);
         for (int32_t i = 0; i < parts.length(); i = parts.moveIndex32(i, 1))
             if (const UChar32 part = parts.char32At(i); !IsAccent(part))
-                folded.push_back({part, bytes});
+                add(part, bytes);
     });
     return folded;
 }
@@ -106,32 +112,14 @@ bool RunsOn(UChar32 c)
            script == USCRIPT_HANGUL || script == USCRIPT_THAI;
 }
 
-bool IsBoundary(UChar32 a, UChar32 b)
+// Whether a word can end, and another begin, before the character at this place.
+bool IsBoundary(std::u32string_view text, size_t at)
 {
-    return !u_isalnum(a) || !u_isalnum(b) || RunsOn(a) || RunsOn(b);
-}
-
-bool StandsAt(const FoldedText& text, size_t at, const FoldedText& term)
-{
-    if (term.empty() || text.size() - at < term.size())
-        return false;
-    for (size_t i = 0; i < term.size(); ++i)
-        if (text[at + i].value != term[i].value)
-            return false;
-    const size_t end = at + term.size();
-    return (at == 0 || IsBoundary(text[at - 1].value, text[at].value)) &&
-           (end == text.size() || IsBoundary(text[end - 1].value, text[end].value));
-}
-
-std::vector<FoldedText> FoldEach(const std::vector<std::string>& terms)
-{
-    std::vector<FoldedText> folded;
-    folded.reserve(terms.size());
-    for (const std::string& term : terms)
-        folded.push_back(Fold(term));
-    // the longest of those that begin at one place is the one to mark
-    std::ranges::sort(folded, [](const FoldedText& a, const FoldedText& b) { return a.size() > b.size(); });
-    return folded;
+    if (at == 0 || at == text.size())
+        return true;
+    const auto before = static_cast<UChar32>(text[at - 1]);
+    const auto after = static_cast<UChar32>(text[at]);
+    return !u_isalnum(before) || !u_isalnum(after) || RunsOn(before) || RunsOn(after);
 }
 
 std::string OnOneLine(std::string_view text)
@@ -231,35 +219,54 @@ std::vector<std::string> TermsOfQuery(std::string_view account)
     return terms;
 }
 
-std::vector<Mark> FindMarks(std::string_view text, const std::vector<std::string>& terms)
+SoughtTerms::SoughtTerms(const std::vector<std::string>& terms)
+{
+    for (const std::string& term : terms) {
+        std::u32string folded = Fold(term).characters;
+        if (folded.empty())
+            continue;
+        lengths_.insert(folded.size());
+        terms_.insert(std::move(folded));
+    }
+}
+
+size_t SoughtTerms::LengthAt(std::u32string_view text, size_t at) const
+{
+    if (!IsBoundary(text, at))
+        return 0;
+    for (const size_t length : lengths_)
+        if (length <= text.size() - at && IsBoundary(text, at + length) && terms_.contains(text.substr(at, length)))
+            return length;
+    return 0;
+}
+
+std::vector<Mark> SoughtTerms::FindIn(std::string_view text) const
 {
     const FoldedText folded = Fold(text);
-    const std::vector<FoldedText> wanted = FoldEach(terms);
     std::vector<Mark> marks;
-    for (size_t at = 0; at < folded.size();) {
-        const auto found =
-            std::ranges::find_if(wanted, [&](const FoldedText& term) { return StandsAt(folded, at, term); });
-        if (found == wanted.end()) {
+    for (size_t at = 0; at < folded.characters.size();) {
+        const size_t length = LengthAt(folded.characters, at);
+        if (length == 0) {
             ++at;
             continue;
         }
-        const Mark mark{folded[at].origin.begin, folded[at + found->size() - 1].origin.end};
+        const Mark mark{folded.origins[at].begin, folded.origins[at + length - 1].end};
         if (!marks.empty() && marks.back().end >= mark.begin)
             marks.back().end = mark.end;
         else
             marks.push_back(mark);
-        at += found->size();
+        at += length;
     }
     return marks;
 }
 
-std::string CutSnippet(std::string_view text, const std::vector<std::string>& terms, size_t maxBytes)
+std::string CutSnippet(std::string_view text, const SoughtTerms& terms, size_t maxBytes)
 {
     constexpr size_t kMostLookedAt = 1 << 20;  // a hit further down is not worth the wait
     std::string line = OnOneLine(text.substr(0, kMostLookedAt));
     if (line.size() <= maxBytes)
         return line;
-    const std::vector<Mark> marks = FindMarks(line, terms);
+    const std::vector<Mark> marks = terms.FindIn(line);
     const size_t hit = marks.empty() ? 0 : marks.front().begin;
     const size_t lead = maxBytes / 3;
     const size_t latest = line.size() - maxBytes;
@@ -268,12 +275,11 @@ std::string CutSnippet(std::string_view text, const std::vector<std::string>& te
     return (begin > 0 ? "… " : "") + line.substr(begin, end - begin) + (end < line.size() ? " …" : "");
 }
 
-std::string WithMarks(std::string_view text, const std::vector<std::string>& terms, std::string_view before,
-                      std::string_view after)
+std::string WithMarks(std::string_view text, const SoughtTerms& terms, std::string_view before, std::string_view after)
 {
     std::string marked;
     size_t done = 0;
-    for (const Mark& mark : FindMarks(text, terms)) {
+    for (const Mark& mark : terms.FindIn(text)) {
         marked.append(text.substr(done, mark.begin - done)).append(before);
         marked.append(text.substr(mark.begin, mark.end - mark.begin)).append(after);
         done = mark.end;

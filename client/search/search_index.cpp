@@ -18,6 +18,8 @@ enum Field : size_t { kFile, kMediaType, kDate, kUri, kTitle, kAuthor, kRecipien
 constexpr std::string_view kAccount = "Recoll query: ";
 // What the engine says of a query of which it keeps no term.
 constexpr std::string_view kNothingAsked = "null query";
+// What it says where more words begin as asked than it looks for (maxTermExpand and maxXapianClauses in recoll.conf).
+constexpr std::string_view kTooManyWords = "Query setup failed: Maximum";
 
 int ValueOfDigit(char c)
 {
@@ -121,6 +123,10 @@ bool AskIndex(const SearchFolders& folders, const std::string& query, const std:
     if (result.exit != 0 && result.output.find(kNothingAsked) != std::string::npos) {
         *answer = SearchAnswer{};
         return true;
+    }
+    if (result.exit != 0 && result.output.find(kTooManyWords) != std::string::npos) {
+        *error = "too many different words begin so; write more of the letters before the asterisk";
+        return false;
     }
     if (DescribeFailure("recollq", result, error))
         return false;

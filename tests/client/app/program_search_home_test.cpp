@@ -19,8 +19,10 @@ TEST(ProgramSearchHome, FollowsChangesAndDeletions)
 {
     ProgramHome home;
     const auto titles = [&home](const std::string& word) {
+        const ProgramResult result = home.Run({"search", "--json", word});
+        EXPECT_EQ(result.exit, 0) << result.err;
         Lines found;
-        std::istringstream lines(home.Run({"search", "--json", word}).out);
+        std::istringstream lines(result.out);
         for (std::string line; std::getline(lines, line);)
             found.push_back(Json::parse(line)["title"]);
         return found;
@@ -68,6 +70,25 @@ TEST(ProgramSearchHome, MayBeCalledAnythingAndLeavesTheUsersOwnSearchAlone)
     (void)run({"index", "--full-speed"});
     EXPECT_THAT(run({"search", "quince"}), HasSubstr("mail  2007-03-0"));
     EXPECT_TRUE(fs::is_empty(own));
+}
+
+TEST(ProgramSearchHome, LooksForAsManyWordsAsBeginAlikeAndSaysWhenThereAreTooMany)
+{
+    constexpr int kWords = 10001;
+    ProgramHome home;
+    const std::string folder = home.Path("home/caches/Metadata/Quorvex/Pavex/Spotlight/0123456789ABCDEF/");
+    fs::create_directories(folder);
+    std::string words;
+    for (int word = 0; word < kWords; ++word)
+        words += "word" + std::to_string(word) + " ";
+    WriteWholeFile(folder + "A.vPavexNote", "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\"><dict>"
+                                            "<key>com.quorvex.pavex.uri</key><string>Pavex:///A</string>"
+                                            "<key>com.quorvex.pavex.content</key><string>quince " +
+                                                words + "</string></dict></plist>\n");
+    const ProgramResult many = home.Run({"search", "--json", "word1*", "quin*"});
+    EXPECT_EQ(many.exit, 0) << many.err;
+    EXPECT_THAT(many.out, HasSubstr("Pavex:///A"));
+    ExpectOneClearLine(home.Run({"search", "word*"}), 1, {"too many different words begin so"});
 }
 
 // The engine's own limit, as the manual page has it.

@@ -9,7 +9,7 @@ namespace {
 
 std::string Marked(const std::string& text, const std::vector<std::string>& terms)
 {
-    return WithMarks(text, terms, "<", ">");
+    return WithMarks(text, SoughtTerms(terms), "<", ">");
 }
 
 TEST(MarkedText, TakesTheTermsFromTheEnginesAccountOfAQuery)
@@ -68,13 +68,13 @@ TEST(MarkedText, CutsAPieceAroundTheFirstHit)
     std::string text;
     for (int i = 0; i < 200; ++i)
         text += "word" + std::to_string(i) + (i == 120 ? " zebra " : " ");
-    const std::string snippet = CutSnippet(text, {"zebra"}, 100);
+    const std::string snippet = CutSnippet(text, SoughtTerms({"zebra"}), 100);
     EXPECT_LE(snippet.size(), 140U);
     EXPECT_THAT(snippet, testing::StartsWith("… word"));
     EXPECT_THAT(snippet, testing::HasSubstr("word120 zebra word121"));
     EXPECT_THAT(snippet, testing::EndsWith(" …"));
-    EXPECT_THAT(CutSnippet(text, {"missing"}, 100), testing::StartsWith("word0 word1 "));
-    EXPECT_THAT(CutSnippet(text, {"word199"}, 100), testing::EndsWith(" word199"));
+    EXPECT_THAT(CutSnippet(text, SoughtTerms({"missing"}), 100), testing::StartsWith("word0 word1 "));
+    EXPECT_THAT(CutSnippet(text, SoughtTerms({"word199"}), 100), testing::EndsWith(" word199"));
 }
 
 TEST(MarkedText, CutsBetweenCharactersWhereThereAreNoBlanks)
@@ -82,14 +82,14 @@ TEST(MarkedText, CutsBetweenCharactersWhereThereAreNoBlanks)
     std::string text;
     for (int i = 0; i < 200; ++i)
         text += i == 100 ? "東京" : "界";
-    const std::string snippet = CutSnippet(text, {"東京"}, 90);
+    const std::string snippet = CutSnippet(text, SoughtTerms({"東京"}), 90);
     EXPECT_THAT(snippet, testing::HasSubstr("界東京界"));
     EXPECT_EQ((snippet.size() - std::string("…  …").size()) % 3, 0U) << "whole characters only: " << snippet;
 }
 
 TEST(MarkedText, PutsASnippetOnOneLineWithoutControlCharacters)
 {
-    EXPECT_EQ(CutSnippet(" a\r\n\tb\x1B[2Jc\u009Bd\x7F ", {}, 100), "a b [2Jc d");
+    EXPECT_EQ(CutSnippet(" a\r\n\tb\x1B[2Jc\u009Bd\x7F ", SoughtTerms({}), 100), "a b [2Jc d");
 }
 
 }  // namespace
