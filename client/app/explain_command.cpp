@@ -163,6 +163,7 @@ bool FindAnswer(const Place& place, Answer* answer, std::string* error)
         return false;
     }
     answer->search.whyNoPass = WhyNoPass();
+    answer->search.engineLog = FoldersOfHome().home + "/log";
     if (answer->facts.found != nullptr)
         answer->search.isInEngine = IsInEngine(answer->facts, &answer->engineError);
     answer->title = TitleOf(place);

@@ -12,6 +12,7 @@
 #include <set>
 
 #include "client/check/database_check.h"
+#include "client/check/write_obstacle.h"
 #include "client/store/charset.h"
 #include "client/store/open_database.h"
 #include "client/store/path.h"
@@ -104,10 +105,24 @@ private:
         RemoveHalfWritten(folder.halfWritten);
         if (slot.isCopy)
             return;
+        const uint64_t before = CountUnwritten();
         DatabaseCheck check({&slot.record, slot.handle.Get(), slot.database.get(), &switches_}, &folder, repair_,
                             report_);
         if (const STATUS status = check.Run(); status != 0)
             report_->Add(Finding::kDatabase, {.database = slot.record.path, .reason = DescribeStatus(status)});
+        if (CountUnwritten() != before)
+            TellObstacle(folder.path);
+    }
+
+    uint64_t CountUnwritten() const
+    {
+        return report_->Of(Finding::kMissing).count + report_->Of(Finding::kOutdated).count;
+    }
+
+    void TellObstacle(const std::string& folder)
+    {
+        if (const std::string obstacle = FindWriteObstacle(folder); !obstacle.empty())
+            report_->AddRemark("metafiles cannot be written: " + obstacle);
     }
 
     void CheckRecord(OpenSlot& slot)

@@ -21,14 +21,19 @@ bool IsLeftOut(const NoteFacts& facts)
     return facts.state == NoteState::kLive && facts.fate.fate != Fate::kIndexed;
 }
 
+std::string Obstacle(const NoteFacts& facts)
+{
+    return facts.obstacle.empty() ? "" : "Its metafile cannot be written: " + facts.obstacle + ". ";
+}
+
 // What brings the note's next pass, or keeps it away.
 std::string NextPass(const Case& c)
 {
     if (!c.search.whyNoPass.empty())
         return "No pass will come: " + c.search.whyNoPass + ".";
-    std::string text;
+    std::string text = Obstacle(c.facts);
     if (c.facts.record && c.facts.record->until)
-        text = "The last pass over its database was interrupted, and the next goes on from there. ";
+        text += "The last pass over its database was interrupted, and the next goes on from there. ";
     return text + "Have a pass now with: pavex index";
 }
 
@@ -69,15 +74,16 @@ const Rule kNotFindable[] = {
     {"waiting", [](const Case& c) { return c.facts.isWaiting; },
      [](const Case& c) { return "it has not been indexed since it came or changed. " + NextPass(c); }},
     {"metafile-missing", [](const Case& c) { return c.facts.file.state == FileState::kMissing; },
-     [](const Case&) {
-         return std::string("its metafile is missing, although its database is indexed up to a later change. ") +
+     [](const Case& c) {
+         return "its metafile is missing, although its database is indexed up to a later change. " + Obstacle(c.facts) +
                 kRepair;
      }},
     {"metafile-damaged", [](const Case& c) { return c.facts.file.state == FileState::kDamaged; },
      [](const Case& c) { return "its metafile is damaged: " + c.facts.file.reason + ". " + kRepair; }},
     {"not-in-search-index", [](const Case&) { return true; },
-     [](const Case&) {
-         return std::string("its metafile is there, but the search engine has not taken it. Its log tells why.");
+     [](const Case& c) {
+         return "its metafile is there, but the search engine has not taken it. Its log may tell why: " +
+                c.search.engineLog;
      }},
 };
 
@@ -111,7 +117,8 @@ const Rule kFindable[] = {
      }},
     {"metafile-outdated", [](const Case& c) { return c.facts.file.state == FileState::kOutdated; },
      [](const Case& c) {
-         return " as it was at an earlier time: of its metafile, " + c.facts.file.reason + ". " + kRepair;
+         return " as it was at an earlier time: of its metafile, " + c.facts.file.reason + ". " + Obstacle(c.facts) +
+                kRepair;
      }},
     {"indexed", [](const Case&) { return true; },
      [](const Case& c) {

@@ -30,6 +30,7 @@ struct NoteFacts {
     MetafileState file{FileState::kMissing, {}};  // of the kind that the note is
     const SearchKind* found = nullptr;            // the kind of the file that the search finds; null without one
     std::string path;                             // of that file, or where one would be; empty when none would
+    std::string obstacle;                         // to writing it, as FindWriteObstacle has it
 };
 
 // Gathers what is known of a note of a database.
@@ -40,6 +41,7 @@ STATUS GatherNoteFacts(const std::string& database, uint32_t id, const std::stri
 // What else counts.
 struct SearchFacts {
     std::string whyNoPass;           // why nothing is indexed at all, a clause; empty: it is
+    std::string engineLog{};         // native path
     std::optional<bool> isInEngine;  // whether the search engine has the note's metafile; none: it could not be asked
 };
 

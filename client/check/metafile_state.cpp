@@ -51,7 +51,7 @@ MetafileState StateOfMetafile(const std::string& path, const SearchKind& kind, c
                               const std::string& url)
 {
     struct stat about {};
-    if (lstat(path.c_str(), &about) != 0 && errno == ENOENT)
+    if (lstat(path.c_str(), &about) != 0 && (errno == ENOENT || errno == ENOTDIR))
         return {FileState::kMissing, {}};
     const MetafileCheck check = CheckMetafile(path, kind, url);
     if (!check.damage.empty())

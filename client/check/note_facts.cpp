@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "client/check/explain.h"
+#include "client/check/write_obstacle.h"
 #include "client/store/charset.h"
 #include "client/store/database.h"
 #include "client/store/engine.h"
@@ -58,6 +59,7 @@ void TakeFiles(const NoteRow& row, const std::string& metadata, const std::strin
     if (facts->state == NoteState::kLive && facts->fate.kind != nullptr) {
         facts->path = stem + facts->fate.kind->extension;
         facts->file = StateOfMetafile(facts->path, *facts->fate.kind, row, facts->url);
+        facts->obstacle = FindWriteObstacle(metadata + "/" + replica);
         if (facts->file.state != FileState::kMissing && IsFile(facts->path))
             facts->found = facts->fate.kind;
     }

@@ -483,6 +483,20 @@ TEST_F(ProgramCheck, SaysThatAFolderCannotBeRead)
     ExpectAllWell();
 }
 
+TEST_F(ProgramCheck, SaysWhyMetafilesCannotBeWritten)
+{
+    if (geteuid() == 0)
+        GTEST_SKIP() << "root writes into any folder";
+    MakeThree();
+    const std::string contact = FileOf("vPavexContact");
+    const std::string folder = fs::path(contact).parent_path();
+    fs::remove(contact);
+    EXPECT_TRUE(Check()["remarks"].empty());
+    chmod(folder.c_str(), 0500);
+    EXPECT_THAT(Check()["remarks"].dump(), HasSubstr("metafiles cannot be written: " + folder + ": Permission denied"));
+    chmod(folder.c_str(), 0700);
+}
+
 TEST_F(ProgramCheck, SaysWhatItCannotRemove)
 {
     if (geteuid() == 0)

@@ -151,6 +151,23 @@ TEST_F(ProgramExplain, NamesWhatIsWrongWithTheMetafile)
     ExpectReason(id, true, "indexed");
 }
 
+TEST_F(ProgramExplain, NamesWhatKeepsAMetafileFromBeingWritten)
+{
+    MakeIndexed();
+    const std::string folder = fs::path(FileOf("vPavexContact")).parent_path();
+    fs::rename(folder, folder + ".away");
+    WriteWholeFile(folder, "");
+    ExpectReason(1, false, "metafile-missing");
+    EXPECT_THAT(ExplainId(1)["text"].get<std::string>(),
+                HasSubstr("Its metafile cannot be written: " + folder + ": Not a directory. "));
+    fs::remove(folder);
+    EXPECT_THAT(ExplainId(1)["text"].get<std::string>(), Not(HasSubstr("cannot be written")));
+    fs::remove_all(folder + ".away");
+    EXPECT_EQ(home_.Run({"check", "--repair"}).exit, 0);
+    Index();
+    ExpectReason(1, true, "indexed");
+}
+
 TEST_F(ProgramExplain, SaysWhyNoPassWillCome)
 {
     home_.Put("mail.vlt", kNotes);
