@@ -16,10 +16,10 @@ int RunDesktop()
     HoldSignals();
     const Descriptor signals(OpenSignalDescriptor());
     std::string error;
-    const std::unique_ptr<WindowFrontEnd> frontEnd = LoadWindowFrontEnd(signals.Get(), &error);
+    const std::unique_ptr<WindowFrontEnd> frontEnd = LoadWindowFrontEnd(kSettingsWindowWords, signals.Get(), &error);
     if (frontEnd == nullptr)
         return Fail(error);
-    const DisplayGuard guard;
+    const DisplayGuard guard(kSettingsWindowWords);
     const std::optional<InstanceLock> lock = InstanceLock::Take(&error);
     if (!lock)
         return Fail(error);

@@ -2,6 +2,7 @@
 #include "client/app/note_window.h"
 
 #include <algorithm>
+#include <functional>
 #include <memory>
 
 #include "client/app/history.h"
@@ -98,7 +99,25 @@ bool Follow(const std::string& url, NoteView* view, std::string* error)
         return false;
     }
     *view = ViewOfNote(note);
-    return RememberInHistory(*link, view->title.empty() ? url : view->title, error);
+    (void)RememberInHistory(*link, view->title.empty() ? url : view->title, &view->problem);
+    return true;
+}
+
+constexpr WindowWords kWords = {"pavex open without --window prints the note",
+                                "the display is gone, and the note's window with it"};
+
+// Opens the display and hands it to what is to be shown.
+bool Show(const std::function<void(WindowFrontEnd& frontEnd)>& callback, std::string* error)
+{
+    HoldSignals();
+    const Descriptor signals(OpenSignalDescriptor());
+    const std::unique_ptr<WindowFrontEnd> frontEnd = LoadWindowFrontEnd(kWords, signals.Get(), error);
+    if (frontEnd == nullptr)
+        return false;
+    const DisplayGuard guard(kWords);
+    SetAddInBundle(BundleFolder());
+    callback(*frontEnd);
+    return true;
 }
 
 }  // namespace
@@ -114,16 +133,25 @@ NoteView ViewOfNote(const Note& note)
     return view;
 }
 
-bool ShowNoteWindow(const Note& note, std::string* error)
+bool ShowNoteWindow(const Note& note, const std::string& problem, std::string* error)
 {
-    HoldSignals();
-    const Descriptor signals(OpenSignalDescriptor());
-    const std::unique_ptr<WindowFrontEnd> frontEnd = LoadWindowFrontEnd(signals.Get(), error);
-    if (frontEnd == nullptr)
-        return false;
-    SetAddInBundle(BundleFolder());
-    frontEnd->ShowNote({ViewOfNote(note), WindowTextsOfNotes(), Follow});
-    return true;
+    return Show(
+        [&](WindowFrontEnd& frontEnd) {
+            NoteView view = ViewOfNote(note);
+            view.problem = PrintableLine(problem);
+            frontEnd.ShowNote({view, WindowTextsOfNotes(), Follow});
+        },
+        error);
+}
+
+void ShowProblemWindow(const std::string& problem)
+{
+    std::string whyNone;  // who sees no window sees the terminal, where the caller says it
+    (void)Show(
+        [&problem](WindowFrontEnd& frontEnd) {
+            frontEnd.MessageBox({.text = PrintableLine(problem), .caption = "Pavex", .icon = BoxIcon::Warning});
+        },
+        &whyNone);
 }
 
 }  // namespace pavex

@@ -25,6 +25,36 @@ struct OpenArguments {
     bool window = false;
 };
 
+struct OpenNote {
+    NOTELINK link{};
+    Note note{};
+    std::unique_ptr<Database> database{};
+};
+
+bool FindTarget(const std::string& target, OpenNote* found, std::string* error)
+{
+    const std::optional<std::string> url = UrlOfTarget(target, error);
+    if (!url)
+        return false;
+    const std::optional<NOTELINK> link = LinkFromUrl(*url);
+    if (!link) {
+        *error = *url + " is no address of a note (Pavex:///...) and no number of a search result";
+        return false;
+    }
+    found->link = *link;
+    found->database = FindNote(*link, &found->note, error);
+    if (found->database == nullptr)
+        *error = *url + ": " + *error;
+    return found->database != nullptr;
+}
+
+bool Remember(const OpenNote& opened, std::string* error)
+{
+    const std::string title = TitleOfNote(opened.note);
+    return RememberInHistory(opened.link, title.empty() ? UrlOfNote(opened.link.replica, opened.link.note) : title,
+                             error);
+}
+
 void Show(const Note& note)
 {
     const std::string text = ReadableNote(note, {WantsColor(), TerminalColumns()});
@@ -33,30 +63,38 @@ void Show(const Note& note)
         std::cout << text;
 }
 
-int RunOpen(const OpenArguments& arguments)
+int OpenHere(const OpenArguments& arguments)
 {
+    OpenNote opened;
     std::string error;
-    const std::optional<std::string> target = UrlOfTarget(arguments.target, &error);
-    if (!target)
+    if (!FindTarget(arguments.target, &opened, &error))
         return Fail(error);
-    const std::string& url = *target;
-    const std::optional<NOTELINK> link = LinkFromUrl(url);
-    if (!link)
-        return Fail(url + " is no address of a note (Pavex:///...) and no number of a search result");
-    Note note;
-    const std::unique_ptr<Database> database = FindNote(*link, &note, &error);
-    if (database == nullptr)
-        return Fail(url + ": " + error);
-    const std::string title = TitleOfNote(note);
-    const bool isRemembered = RememberInHistory(*link, title.empty() ? url : title, &error);
-    std::string whyNoWindow;
+    const bool isRemembered = Remember(opened, &error);
     if (arguments.raw)
-        PrintNoteJson(*database, note, false);
-    else if (!arguments.window || !HasDisplay())
-        Show(note);
-    else if (!ShowNoteWindow(note, &whyNoWindow))
+        PrintNoteJson(*opened.database, opened.note, false);
+    else
+        Show(opened.note);
+    return isRemembered ? kExitDone : Fail(error);
+}
+
+int OpenInWindow(const OpenArguments& arguments)
+{
+    OpenNote opened;
+    std::string error;
+    if (!FindTarget(arguments.target, &opened, &error)) {
+        ShowProblemWindow(error);
+        return Fail(error);
+    }
+    std::string whyNoWindow;
+    const bool isRemembered = Remember(opened, &error);
+    if (!ShowNoteWindow(opened.note, isRemembered ? "" : error, &whyNoWindow))
         return Fail(whyNoWindow);
     return isRemembered ? kExitDone : Fail(error);
+}
+
+int RunOpen(const OpenArguments& arguments)
+{
+    return arguments.window && !arguments.raw && HasDisplay() ? OpenInWindow(arguments) : OpenHere(arguments);
 }
 
 }  // namespace

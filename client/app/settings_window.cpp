@@ -13,10 +13,10 @@ int ShowSettingsWindow()
     HoldSignals();
     const Descriptor signals(OpenSignalDescriptor());
     std::string error;
-    const std::unique_ptr<FrontEnd> frontEnd = LoadWindowFrontEnd(signals.Get(), &error);
+    const std::unique_ptr<FrontEnd> frontEnd = LoadWindowFrontEnd(kSettingsWindowWords, signals.Get(), &error);
     if (frontEnd == nullptr)
         return Fail(error);
-    const DisplayGuard guard;
+    const DisplayGuard guard(kSettingsWindowWords);
     const std::unique_ptr<AddIn> addIn = AddIn::Load(&error);
     if (addIn == nullptr)
         return Fail(error);

@@ -38,10 +38,18 @@ WindowColors ColorsChosen()
     std::_Exit(status);
 }
 
+std::string WithTextWay(const std::string& reason, const WindowWords& words)
+{
+    return "no window: " + reason + "; " + words.textWay;
+}
+
+// Of the windows that are shown.  The toolkit reports on the thread that opens them, and takes no context along.
+const WindowWords* current = &kSettingsWindowWords;
+
 // The toolkit cannot be torn down half made, so nothing is.
 void EndOnDisplayFailure(const char* reason)
 {
-    EndAtOnce(WithTextWay(reason));
+    EndAtOnce(WithTextWay(reason, *current));
 }
 
 // The main thread's objects are the first that exit() destroys, before anything that another thread may use.
@@ -53,8 +61,7 @@ struct MainThreadEnd {
     ~MainThreadEnd()
     {
         if (windowsAreInUse)
-            EndAtOnce("the display is gone, and the window with it; settings that were not saved are as they were, "
-                      "and the next start goes on indexing");
+            EndAtOnce(current->lost);
     }
 };
 thread_local MainThreadEnd mainThreadEnd;
@@ -72,9 +79,16 @@ void SilenceXlib()
 
 }  // namespace
 
-DisplayGuard::DisplayGuard()
+const WindowWords kSettingsWindowWords = {
+    "without one, pavex settings --show prints the settings, the options in pavex settings --help change them, and "
+    "pavex run stays",
+    "the display is gone, and the window with it; settings that were not saved are as they were, and the next start "
+    "goes on indexing"};
+
+DisplayGuard::DisplayGuard(const WindowWords& words)
 {
     SilenceXlib();
+    current = &words;
     mainThreadEnd.windowsAreInUse = true;
 }
 
@@ -88,17 +102,11 @@ bool HasDisplay()
     return std::any_of(std::begin(kDisplayVariables), std::end(kDisplayVariables), IsSet);
 }
 
-std::string WithTextWay(const std::string& reason)
+std::unique_ptr<WindowFrontEnd> LoadWindowFrontEnd(const WindowWords& words, int closeRequest, std::string* error)
 {
-    return "no window: " + reason +
-           "; without one, pavex settings --show prints the settings, the options in pavex settings --help change "
-           "them, and pavex run stays";
-}
-
-std::unique_ptr<WindowFrontEnd> LoadWindowFrontEnd(int closeRequest, std::string* error)
-{
+    current = &words;
     if (!HasDisplay()) {
-        *error = WithTextWay("there is no display");
+        *error = WithTextWay("there is no display", words);
         return nullptr;
     }
     const std::string path = FindLibrary("libpavexqt.so");
@@ -107,7 +115,7 @@ std::unique_ptr<WindowFrontEnd> LoadWindowFrontEnd(int closeRequest, std::string
         library == nullptr ? nullptr : reinterpret_cast<MakeWindowFrontEnd>(dlsym(library, kMakeWindowFrontEnd));
     if (make == nullptr) {
         const char* const reason = dlerror();  // null when the library is one without the entry
-        *error = WithTextWay(reason == nullptr ? path + " is not the window's library" : reason);
+        *error = WithTextWay(reason == nullptr ? path + " is not the window's library" : reason, words);
         return nullptr;
     }
     WindowPluginOptions options;

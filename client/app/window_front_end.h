@@ -10,17 +10,24 @@ namespace pavex {
 
 // True when the environment names a display.
 bool HasDisplay();
-// A line that says why there is no window, and what does without one.
-std::string WithTextWay(const std::string& reason);
-// Null, with *error, such a line, saying why no window can be opened.  closeRequest: see WindowPluginOptions.  Ends the
-// program with one line when the display that the environment names cannot be used: no thread may run yet.
-std::unique_ptr<WindowFrontEnd> LoadWindowFrontEnd(int closeRequest, std::string* error);
+// What a program says that can show no window, or shows none any more.  Clauses, and constants.
+struct WindowWords {
+    const char* textWay;  // what does without a window
+    const char* lost;     // the display is gone, and what with it
+};
+// Of the windows in which settings are made and the add-in indexes.
+extern const WindowWords kSettingsWindowWords;
+
+// Null, with *error, a line, saying why no window can be opened and what does without.  closeRequest: see
+// WindowPluginOptions.  Ends the program with such a line when the display that the environment names cannot be used:
+// no thread may run yet.
+std::unique_ptr<WindowFrontEnd> LoadWindowFrontEnd(const WindowWords& words, int closeRequest, std::string* error);
 
 // On the main thread, for as long as windows are shown: the toolkit calls exit() when it loses the display, and static
 // objects would be destroyed under the indexing thread.  The program then ends before that, with one line.
 class DisplayGuard {
 public:
-    DisplayGuard();
+    explicit DisplayGuard(const WindowWords& words);
     ~DisplayGuard();
     DisplayGuard(const DisplayGuard&) = delete;
     DisplayGuard& operator=(const DisplayGuard&) = delete;

@@ -23,6 +23,7 @@ struct NoteView {
     std::string title;
     std::vector<NoteField> fields;
     std::vector<NotePiece> body;
+    std::string problem{};  // a line for the user below the note; empty: none
 };
 
 // The window's own words, in the user's language.

@@ -42,7 +42,6 @@ NoteWindow::NoteWindow(const NoteWindowContent& content)
     problem_->setTextFormat(Qt::PlainText);
     problem_->setWordWrap(true);
     problem_->setMargin(fontMetrics().height() / 2);
-    problem_->hide();
     layout->addWidget(problem_);
     AddButtons();
     connect(page_, &QTextBrowser::anchorClicked, this, [this](const QUrl& link) { Follow(link); });
@@ -86,10 +85,16 @@ void NoteWindow::ShowPage()
     setWindowTitle(title);
     page_->setAccessibleName(title);
     back_->setEnabled(notes_.size() > 1);
-    problem_->hide();
+    ShowProblem(note.problem);
     page_->document()->setDefaultStyleSheet("p { margin: 0 0 4px 0 } h2 { margin: 0 0 10px 0 } td.label { color: " +
                                             Quiet(palette()).name() + "; padding-right: 12px; white-space: nowrap }");
     page_->setHtml(PageOfNote(note));
+}
+
+void NoteWindow::ShowProblem(const std::string& problem)
+{
+    problem_->setText(QString::fromStdString(problem));
+    problem_->setVisible(!problem.empty());
 }
 
 // The page has the colours of the palette that it was made with.
@@ -108,8 +113,7 @@ void NoteWindow::Follow(const QUrl& link)
     NoteView next;
     std::string error;
     if (!content_.follow(notes_.back().body[place].url, &next, &error)) {
-        problem_->setText(QString::fromStdString(error));
-        problem_->show();
+        ShowProblem(error);
         return;
     }
     places_.push_back(page_->verticalScrollBar()->value());

@@ -251,19 +251,55 @@ TEST_F(ProgramOpen, StartsThePagerWithAllSignalsAsTheyWere)
         EXPECT_EQ(ignored >> (number - 1) & 1, 0U) << number;
 }
 
-TEST_F(ProgramOpen, ShowsANoteInAWindowWhenAskedTo)
+// What the window shows is in `out`; the user closes it at once.
+class ProgramOpenWindow : public ProgramOpen {
+protected:
+    void SetUp() override
+    {
+        if (!fs::exists(TORVIK_BINARY_DIR "/lib/libpavexqt.so"))
+            GTEST_SKIP() << "built without the window";
+    }
+    ProgramResult OpenWindow(const std::string& url)
+    {
+        Process window({"env", "QT_QPA_PLATFORM=offscreen", "LD_PRELOAD=" TORVIK_BINARY_DIR "/lib/libreads_window.so",
+                        "ASAN_OPTIONS=verify_asan_link_order=0", TORVIK_BINARY_DIR "/bin/pavex", "--home",
+                        home_.Path("home"), "open", "--window", url},
+                       home_.Path("window"));
+        return window.Wait();
+    }
+};
+
+TEST_F(ProgramOpenWindow, ShowsANoteAndRemembersIt)
 {
-    if (!fs::exists(TORVIK_BINARY_DIR "/lib/libpavexqt.so"))
-        GTEST_SKIP() << "built without the window";
+    const ProgramResult result = OpenWindow(Put("a.vlt", kZebra));
+    EXPECT_EQ(result.exit, 0) << result.err;
+    EXPECT_THAT(result.out, HasSubstr("window: Zebra\n"));
+    EXPECT_THAT(result.out, Not(HasSubstr("label: ")));
+    EXPECT_EQ(History().size(), 1U);
+}
+
+TEST_F(ProgramOpenWindow, SaysInAWindowWhyANoteCannotBeShown)
+{
     const std::string url = Put("a.vlt", kZebra);
-    Process window({"env", "QT_QPA_PLATFORM=offscreen", TORVIK_BINARY_DIR "/bin/pavex", "--home", home_.Path("home"),
-                    "open", "--window", url},
-                   home_.Path("window"));
-    EXPECT_TRUE(Eventually([this] { return History().size() == 1; })) << "remembered as soon as it is shown";
-    window.Signal(SIGTERM);
-    const ProgramResult result = window.Wait();
-    EXPECT_TRUE(result.exit == 0 || result.exit == 128 + SIGTERM) << result.exit << "; it may not have been shown yet";
-    EXPECT_EQ(result.out, "") << "nothing for a terminal";
+    ASSERT_EQ(home_.Run({"note", "delete", "--db", "a.vlt", "1"}).exit, 0);
+    for (const std::string& target : {url, std::string("Pavex:///nowhere"), std::string("7")}) {
+        const ProgramResult result = OpenWindow(target);
+        EXPECT_EQ(result.exit, 1);
+        EXPECT_THAT(result.out, HasSubstr("window: Pavex\nlabel: ")) << target;
+        const std::string problem = result.err.substr(std::string("pavex: ").size());
+        EXPECT_THAT(result.out, HasSubstr("label: " + problem)) << "the line that the terminal has";
+    }
+}
+
+TEST_F(ProgramOpenWindow, ShowsANoteThatTheHistoryCannotTake)
+{
+    const std::string url = Put("a.vlt", kZebra);
+    WriteWholeFile(home_.Path("home/data/bookmark.vlt"), "no database");
+    const ProgramResult result = OpenWindow(url);
+    EXPECT_EQ(result.exit, 1);
+    EXPECT_THAT(result.out, HasSubstr("window: Zebra\n"));
+    EXPECT_THAT(result.out, HasSubstr("label: ")) << "what is wrong with the history";
+    ExpectOneClearLine({1, "", result.err}, 1, {"bookmark.vlt"});
 }
 
 TEST_F(ProgramOpen, ShowsANoteAsTextWhereThereIsNoDisplayForAWindow)

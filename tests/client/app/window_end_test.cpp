@@ -162,5 +162,30 @@ TEST_P(WindowEnd, ByTheDeathOfTheDisplayIsToldInOneLineAndHarmsNoIndexingState)
     ExpectAWholePassPutsItRight(home_);
 }
 
+TEST(NoteWindowEnd, ByTheDeathOfTheDisplayIsToldInOneLine)
+{
+    if (!fs::exists(TORVIK_BINARY_DIR "/lib/libpavexqt.so"))
+        GTEST_SKIP() << "built without Qt";
+    if (!IsInstalled("Xvfb"))
+        GTEST_SKIP() << "there is no X server to kill (Debian package xvfb)";
+    ProgramHome home;
+    const uint32_t id = home.Put("a.vlt", R"({"items": {"Form": "Memo", "Subject": "Zebra"}})").front();
+    const std::string url = home.RunJson({"note", "get", "--db", "a.vlt", "--json", std::to_string(id)})["url"];
+    Display display(home);
+    std::vector<std::string> command = {"env", "LEAVE_OPEN=1",
+                                        "LD_PRELOAD=" TORVIK_BINARY_DIR "/lib/libreads_window.so",
+                                        "ASAN_OPTIONS=verify_asan_link_order=0"};
+    for (const std::string& variable : display.Environment())
+        command.push_back(variable);
+    command.insert(command.end(),
+                   {TORVIK_BINARY_DIR "/bin/pavex", "--home", home.Path("home"), "open", "--window", url});
+    Process window(command, home.Path("window"));
+    EXPECT_TRUE(
+        Eventually([&] { return ReadWholeFile(home.Path("window.out")).find("window: Zebra") != std::string::npos; }));
+    display.Die();
+    const ProgramResult result = window.Wait();
+    ExpectOneClearLine({result.exit, "", result.err}, 1, {"the display is gone", "the note's window"});
+}
+
 }  // namespace
 }  // namespace pavex

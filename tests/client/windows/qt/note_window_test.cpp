@@ -129,6 +129,20 @@ TEST_F(NoteWindowTest, SaysInTheWindowWhyALinkLeadsNowhere)
     });
 }
 
+TEST_F(NoteWindowTest, SaysBelowANoteWhatElseTheUserMustKnow)
+{
+    content_.note.problem = "the <history> cannot be written";
+    Run([](QDialog& window) {
+        auto* const problem = window.findChild<QLabel*>();
+        EXPECT_TRUE(problem->isVisible());
+        EXPECT_EQ(problem->text(), "the <history> cannot be written");
+        ClickOn(window, "see \"the other\"");
+        EXPECT_FALSE(problem->isVisible());
+        QTest::mouseClick(Button(window, "&Back"), Qt::LeftButton);
+        EXPECT_TRUE(problem->isVisible());
+    });
+}
+
 TEST_F(NoteWindowTest, CopiesWhatIsMarkedOrAllOfIt)
 {
     Run([](QDialog& window) {
