@@ -266,17 +266,11 @@ STATUS Database::Delete(uint32_t id)
 STATUS Database::SaveStub(uint32_t id)
 {
     NoteRow row;
-    STATUS status = engine_->ReadRow(id, false, &row);
-    if (status == 0 && (row.flags & kRowDeleted) != 0)
-        status = kStatusNoteDeleted;
-    if (status == 0)
-        status = TakeStamp(row.noteClass);
-    if (status != 0)
+    if (const STATUS status = StampRow(id, &row); status != 0)
         return status;
     ++row.sequence;
     row.modified = TimeFromHundredths(NowStamp());
     row.flags = kRowDeleted;
-    row.stamp = pending_->lastStamp;
     return engine_->WriteRow(&row, {}, {});
 }
 
@@ -288,15 +282,20 @@ STATUS Database::Touch(uint32_t id)
 STATUS Database::SaveStamp(uint32_t id)
 {
     NoteRow row;
-    STATUS status = engine_->ReadRow(id, false, &row);
-    if (status == 0 && (row.flags & kRowDeleted) != 0)
+    const STATUS status = StampRow(id, &row);
+    return status != 0 ? status : engine_->WriteStamp(row);
+}
+
+STATUS Database::StampRow(uint32_t id, NoteRow* row)
+{
+    STATUS status = engine_->ReadRow(id, false, row);
+    if (status == 0 && (row->flags & kRowDeleted) != 0)
         status = kStatusNoteDeleted;
     if (status == 0)
-        status = TakeStamp(row.noteClass);
-    if (status != 0)
-        return status;
-    row.stamp = pending_->lastStamp;
-    return engine_->WriteStamp(row);
+        status = TakeStamp(row->noteClass);
+    if (status == 0)
+        row->stamp = pending_->lastStamp;
+    return status;
 }
 
 STATUS Database::Get(uint32_t id, Note* note)

@@ -109,6 +109,8 @@ private:
     STATUS SaveNote(Note* note);
     STATUS SaveStub(uint32_t id);
     STATUS SaveStamp(uint32_t id);
+    // Reads the row of a note that is not deleted, and gives it a change stamp of its own; nothing is written yet.
+    STATUS StampRow(uint32_t id, NoteRow* row);
 
     std::string path_;
     std::unique_ptr<Engine> engine_;
