@@ -135,7 +135,7 @@ int RunSearch(const SearchArguments& arguments)
         (void)Fail("there is no word to look for");
         return kExitWrongUse;
     }
-    if (!HasMetafiles(folders))
+    if (!HasMetadata(folders))
         return Fail("nothing is indexed yet; index with: pavex settings --enable --yes, then pavex index");
     return Ask(folders, request, arguments);
 }

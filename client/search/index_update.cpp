@@ -60,14 +60,10 @@ void LetTheSecondPass(std::time_t newest)
 
 }  // namespace
 
-bool HasMetafiles(const SearchFolders& folders)
+bool HasMetadata(const SearchFolders& folders)
 {
     std::error_code failed;
-    for (fs::recursive_directory_iterator entry(folders.metadata, failed), end; !failed && entry != end;
-         entry.increment(failed))
-        if (entry->path().extension().string().starts_with(".vPavex"))
-            return true;
-    return false;
+    return fs::is_directory(folders.metadata, failed);
 }
 
 bool UpdateIndex(const SearchFolders& folders, std::string* error)

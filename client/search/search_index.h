@@ -25,8 +25,8 @@ struct SearchAnswer {
     std::vector<std::string> terms;  // what was looked for, as the index has it
 };
 
-// True when there is a metafile.
-bool HasMetafiles(const SearchFolders& folders);
+// True when there is, or was, a metafile: the first one makes the folder.
+bool HasMetadata(const SearchFolders& folders);
 
 // Writes the settings and reads new and changed metafiles into the index; nothing is started when no folder
 // changed since the last time.  Waits while another process does the same.  False, with *error.

@@ -50,6 +50,21 @@ TEST(ProgramSearchHome, FollowsChangesAndDeletions)
     EXPECT_THAT(titles("medlar"), ElementsAre("third medlar"));
 }
 
+TEST(ProgramSearchHome, FindsNothingWhenTheLastNoteIsGone)
+{
+    ProgramHome home;
+    const std::vector<uint32_t> ids = home.Put(
+        "mail.vlt", R"({"items": {"Form": "Memo", "Subject": "quince", "PostedDate": {"time": "2007-03-05"}}})");
+    home.Enable();
+    (void)home.Index();
+    EXPECT_THAT(home.Run({"search", "quince"}).out, HasSubstr("quince"));
+    ASSERT_EQ(home.Run({"note", "delete", "--db", "mail.vlt", std::to_string(ids[0])}).exit, 0);
+    (void)home.Index();
+    ExpectOneClearLine(home.Run({"search", "quince"}), 0, {"nothing found"});
+    fs::remove_all(home.Path("home/caches/Metadata"));
+    ExpectOneClearLine(home.Run({"search", "quince"}), 1, {"nothing is indexed yet"});
+}
+
 TEST(ProgramSearchHome, MayBeCalledAnythingAndLeavesTheUsersOwnSearchAlone)
 {
     ProgramHome place;
