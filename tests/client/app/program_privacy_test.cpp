@@ -2,6 +2,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <csignal>
+#include <sstream>
+
 #include "tests/client/app/program_fixture.h"
 
 namespace pavex {
@@ -19,6 +22,24 @@ std::vector<std::string> OpenToOthers(const fs::path& folder)
         if ((entry.status().permissions() & kOthers) != fs::perms::none)
             open.push_back(entry.path().string());
     return open;
+}
+
+// What below the folder has other rights than a file or a folder of its user's alone, with its mode.  What goes while
+// this looks was nobody's.
+std::vector<std::string> NotTheUsersAlone(const fs::path& folder)
+{
+    std::vector<std::string> others;
+    std::error_code gone;
+    for (fs::recursive_directory_iterator entry(folder, gone), end; !gone && entry != end; entry.increment(gone)) {
+        std::error_code left;
+        const fs::file_status about = fs::symlink_status(entry->path(), left);
+        if (left || about.type() == fs::file_type::not_found)
+            continue;
+        if (about.permissions() != (fs::is_directory(about) ? fs::perms(0700) : fs::perms(0600)))
+            others.push_back(entry->path().string() + " " +
+                             (std::ostringstream() << std::oct << static_cast<int>(about.permissions())).str());
+    }
+    return others;
 }
 
 // Files below the folder that hold the text.
@@ -69,11 +90,112 @@ TEST(ProgramPrivacy, WhatIsSearchedAndOpenedIsTheUsersAloneWhateverTheUmask)
         for (const char* made : {"caches/pavex/search/xapiandb", "caches/pavex/search.lock", "caches/pavex/search/log",
                                  "log/last-search", "data/bookmark.vlt"})
             EXPECT_TRUE(fs::exists(home.Path(std::string("home/") + made))) << made;
-        for (const fs::directory_entry& entry : fs::recursive_directory_iterator(home.Path("home")))
-            EXPECT_EQ(entry.status().permissions(), entry.is_directory() ? fs::perms(0700) : fs::perms(0600))
-                << entry.path();
+        EXPECT_EQ(NotTheUsersAlone(home.Path("home")), std::vector<std::string>());
     }
 }
+
+class ProgramPrivacyUmask : public testing::TestWithParam<const char*> {
+protected:
+    ProgramPrivacyUmask()
+    {
+        fs::create_directories(home_.Path("m/cur"));
+        fs::create_directories(home_.Path("m/new"));
+        Deliver("quince");
+    }
+
+    void Deliver(const std::string& subject)
+    {
+        WriteWholeFile(home_.Path(subject), "From: Ann <ann@example.org>\nDate: Mon, 5 Mar 2007 14:00:00 +0000\n"
+                                            "Subject: " +
+                                                subject + "\nMessage-ID: <" + subject + "@example.org>\n\ntext\n");
+        fs::rename(home_.Path(subject), home_.Path("m/new/" + subject));
+    }
+    // The command of a shell for a command of the program.
+    std::string Pavex(const std::string& command) const
+    {
+        return TORVIK_BINARY_DIR "/bin/pavex --home " + home_.Path("home") + " " + command;
+    }
+    std::unique_ptr<Process> Start(const std::string& script)
+    {
+        return std::make_unique<Process>(
+            std::vector<std::string>{"sh", "-ec", std::string("umask ") + GetParam() + "\n" + script},
+            home_.Path("all" + std::to_string(runs_++)));
+    }
+    void RunAll(const std::string& script)
+    {
+        const ProgramResult result = Start(script)->Wait();
+        ASSERT_EQ(result.exit, 0) << result.out << result.err;
+    }
+    std::string ReadRecords() const
+    {
+        const std::string path = home_.Path("home/data/watched.json");
+        return fs::exists(path) ? ReadWholeFile(path) : "";
+    }
+    // A client that stays, until it has read in all that there is; what it has open is looked at, too.
+    void Stay(const std::string& command, const std::string& subject)
+    {
+        SCOPED_TRACE(command);
+        const std::string before = ReadRecords();
+        const std::unique_ptr<Process> client = Start("exec " + Pavex(command));
+        const auto isRead = [&] {
+            const std::string records = ReadRecords();
+            return records != before && records.find("\"read\": \"2") != records.npos;
+        };
+        ASSERT_TRUE(Eventually(isRead)) << subject;
+        ExpectMade({"data/watch.lock", "data/client.lock", "data/watched.json", "data/mail.vlt"});
+        ExpectAllTheUsersAlone();
+        client->Signal(SIGTERM);
+        EXPECT_EQ(client->Wait().exit, 0);
+        EXPECT_THAT(home_.Run({"note", "list", "--db", "mail.vlt"}).out, testing::HasSubstr(subject));
+        ExpectAllTheUsersAlone();
+    }
+    void ExpectMade(const std::vector<std::string>& files) const
+    {
+        for (const std::string& file : files)
+            EXPECT_TRUE(fs::exists(home_.Path("home/" + file))) << file;
+    }
+    void ExpectAllTheUsersAlone() const
+    {
+        EXPECT_EQ(NotTheUsersAlone(home_.Path("home")), std::vector<std::string>());
+        EXPECT_EQ(fs::status(home_.Path("home")).permissions(), fs::perms(0700));
+    }
+
+    ProgramHome home_;
+
+private:
+    int runs_ = 0;
+};
+
+TEST_P(ProgramPrivacyUmask, AClientThatStaysKeepsAllToItsUser)
+{
+    RunAll(Pavex("watch " + home_.Path("m")));
+    ExpectMade({"pavex.ini"});
+    ExpectAllTheUsersAlone();
+    Stay("run", "quince");
+    if (!fs::exists(TORVIK_BINARY_DIR "/lib/libpavexqt.so"))
+        return;
+    Deliver("medlar");
+    setenv("QT_QPA_PLATFORM", "offscreen", 1);
+    Stay("desktop", "medlar");
+    unsetenv("QT_QPA_PLATFORM");
+}
+
+TEST_P(ProgramPrivacyUmask, ARepairKeepsAllToItsUser)
+{
+    RunAll(Pavex("import " + home_.Path("m")) + "\n" + Pavex("settings --enable --yes") + "\n" +
+           Pavex("index --full-speed") + "\n" + Pavex("search quince"));
+    ASSERT_EQ(home_.CountMetafiles(), 1U);
+    for (const auto& [name, content] : home_.ReadMetafiles())
+        fs::remove(home_.Path("home/caches/Metadata/Quorvex/Pavex/Spotlight/" + name));
+    RunAll(Pavex("check --repair | grep ': repaired$'") + "\n" + Pavex("index --full-speed") + "\n" +
+           Pavex("explain 1") + "\n" + Pavex("check"));
+    EXPECT_EQ(home_.CountMetafiles(), 1U);
+    ExpectMade({"data/client.lock", "log/last-search", "log/pavex.log", "caches/pavex/search.lock"});
+    ExpectAllTheUsersAlone();
+}
+
+INSTANTIATE_TEST_SUITE_P(Of, ProgramPrivacyUmask, testing::Values("0", "077", "0777"),
+                         [](const auto& umask) { return "Umask" + std::string(umask.param); });
 
 TEST(ProgramPrivacy, ASealedNoteKeepsItsItemsAndNoneOfThemStandsInAFile)
 {
