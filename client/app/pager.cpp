@@ -19,7 +19,8 @@ namespace pavex {
 
 namespace {
 
-constexpr const char* kUsualPager = "less";
+// Nobody asked for it by name, and so nobody is told that it is not there.
+constexpr const char* kUsualPager = "command -v less >/dev/null || exit 127; exec less";
 
 // Empty: none.
 std::string ChosenPager()

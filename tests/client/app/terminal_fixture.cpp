@@ -2,6 +2,7 @@
 #include "tests/client/app/terminal_fixture.h"
 
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <pty.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -9,6 +10,7 @@
 #include <array>
 #include <cerrno>
 #include <clocale>
+#include <csignal>
 #include <cstdlib>
 #include <cwchar>
 #include <sstream>
@@ -42,7 +44,7 @@ void Replace(std::string* text, const std::string& what, const std::string& with
 std::vector<std::string> EnvironmentFor(const Terminal& terminal)
 {
     std::vector<std::string> variables;
-    const std::vector<std::string> own = {"TERM=", "NO_COLOR=", "PAGER=", "COLUMNS="};
+    const std::vector<std::string> own = {"TERM=", "NO_COLOR=", "PAGER=", "LESS=", "COLUMNS="};
     for (char** variable = environ; *variable != nullptr; ++variable) {
         bool isOwn = false;
         for (const std::string& name : own)
@@ -62,31 +64,83 @@ std::vector<std::string> EnvironmentFor(const Terminal& terminal)
 
 }  // namespace
 
-std::string RunOnTerminal(const Terminal& terminal, const std::vector<std::string>& command)
+TerminalSession::TerminalSession(const Terminal& terminal, const std::vector<std::string>& command)
 {
     const winsize size{24, terminal.columns, 0, 0};
     const std::vector<std::string> environment = EnvironmentFor(terminal);
-    int screen = -1;
-    const pid_t process = forkpty(&screen, nullptr, nullptr, &size);
-    if (process == 0)
+    process_ = forkpty(&screen_, nullptr, nullptr, &size);
+    if (process_ == 0)
         Become(command, environment);
-    if (process < 0) {
+    if (process_ < 0)
         ADD_FAILURE() << "no terminal";
-        return {};
+}
+
+TerminalSession::~TerminalSession()
+{
+    if (process_ > 0) {
+        kill(process_, SIGKILL);
+        waitpid(process_, nullptr, 0);
     }
-    std::string output;
+    if (screen_ >= 0)
+        close(screen_);
+}
+
+TerminalSession::Piece TerminalSession::ReadOn(int mostMs)
+{
+    pollfd screen{screen_, POLLIN, 0};
+    if (poll(&screen, 1, mostMs) == 0)
+        return Piece::kNone;
     std::array<char, 4096> piece{};
-    ssize_t read = 0;
-    while ((read = ::read(screen, piece.data(), piece.size())) > 0 || (read < 0 && errno == EINTR))
-        if (read > 0)
-            output.append(piece.data(), static_cast<size_t>(read));
-    close(screen);
-    int status = -1;
-    while (waitpid(process, &status, 0) < 0 && errno == EINTR) {
+    const ssize_t size = read(screen_, piece.data(), piece.size());
+    if (size > 0)
+        output_.append(piece.data(), static_cast<size_t>(size));
+    return size > 0 || (size < 0 && errno == EINTR) ? Piece::kRead : Piece::kEnd;
+}
+
+bool TerminalSession::Shows(const std::string& text, int mostMs)
+{
+    while (Output().find(text) == std::string::npos)
+        if (ReadOn(mostMs) != Piece::kRead)
+            return false;
+    return true;
+}
+
+void TerminalSession::Type(std::string_view keys) const
+{
+    EXPECT_EQ(write(screen_, keys.data(), keys.size()), static_cast<ssize_t>(keys.size()));
+}
+
+int TerminalSession::Wait()
+{
+    if (process_ <= 0)
+        return -1;
+    constexpr int kMostMs = 60000;
+    Piece piece = Piece::kRead;
+    while (piece == Piece::kRead)
+        piece = ReadOn(kMostMs);
+    if (piece == Piece::kNone) {
+        ADD_FAILURE() << "nothing more for a minute after: " << output_;
+        kill(process_, SIGKILL);
     }
-    EXPECT_EQ(status, 0) << testing::PrintToString(command) << output;
+    int status = 0;
+    while (waitpid(process_, &status, 0) < 0 && errno == EINTR) {
+    }
+    process_ = 0;
+    return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
+}
+
+std::string TerminalSession::Output() const
+{
+    std::string output = output_;
     Replace(&output, "\r\n", "\n");
     return output;
+}
+
+std::string RunOnTerminal(const Terminal& terminal, const std::vector<std::string>& command)
+{
+    TerminalSession session(terminal, command);
+    EXPECT_EQ(session.Wait(), 0) << testing::PrintToString(command) << session.Output();
+    return session.Output();
 }
 
 int ScreenColumns(const std::string& line)
