@@ -1,12 +1,11 @@
 // client/app/import_command.cpp: pavex import: sources into databases.
-#include <unistd.h>
-
 #include <iostream>
 #include <memory>
 #include <nlohmann/json.hpp>
 
 #include "client/app/command.h"
 #include "client/app/json_output.h"
+#include "client/app/progress_line.h"
 #include "client/app/terminal_text.h"
 #include "client/import/importer.h"
 
@@ -52,30 +51,6 @@ void PrintText(const ImportReport& report)
               << report.removed << " removed, " << report.rejected.size() << " rejected\n";
 }
 
-// On a terminal alone: one line that is written over.
-class ProgressLine {
-public:
-    explicit ProgressLine(bool wanted) : shown_(wanted && isatty(STDERR_FILENO) != 0) {}
-    ~ProgressLine()
-    {
-        if (drawn_)
-            std::cerr << "\r\033[K";
-    }
-    bool Show(const ImportProgress& progress)
-    {
-        if (shown_) {
-            drawn_ = true;
-            std::cerr << "\r\033[K" << PrintableLine(progress.source) << ": " << progress.entries << " entries"
-                      << std::flush;
-        }
-        return true;
-    }
-
-private:
-    const bool shown_;
-    bool drawn_ = false;
-};
-
 int RunImport(const ImportArguments& arguments)
 {
     ImportOptions options;
@@ -89,7 +64,11 @@ int RunImport(const ImportArguments& arguments)
     {
         ProgressLine line(!arguments.json);
         imported = Import(
-            arguments.sources, options, [&line](const ImportProgress& progress) { return line.Show(progress); },
+            arguments.sources, options,
+            [&line](const ImportProgress& progress) {
+                line.Show(progress.source + ": " + std::to_string(progress.entries) + " entries");
+                return true;
+            },
             &report, &error);
     }
     if (arguments.json)

@@ -1,6 +1,4 @@
 // client/app/index_command.cpp: pavex index: one whole cycle, now.
-#include <unistd.h>
-
 #include <iostream>
 #include <memory>
 
@@ -11,6 +9,7 @@
 #include "client/app/instance_lock.h"
 #include "client/app/json_output.h"
 #include "client/app/policy_check.h"
+#include "client/app/progress_line.h"
 #include "client/app/signals.h"
 #include "client/app/slots.h"
 #include "client/foundation/host.h"
@@ -55,29 +54,6 @@ void ListenToLog(CycleReport* report, bool debug)
     OverrideVariable("GoogleDebug", "1");
 }
 
-class ProgressLine {
-public:
-    ProgressLine(bool wanted, const CycleReport& report) : shown_(wanted && isatty(STDERR_FILENO) != 0), report_(report)
-    {
-        if (shown_)
-            OverrideVariable("GoogleDebugLots", "1");  // an entry for each note
-    }
-    void Update()
-    {
-        if (shown_)
-            std::cerr << "\r\033[K" << report_.Activity() << std::flush;
-    }
-    ~ProgressLine()
-    {
-        if (shown_)
-            std::cerr << "\r\033[K";
-    }
-
-private:
-    const bool shown_;
-    const CycleReport& report_;
-};
-
 enum class CycleEnd { Done, Stopped, NoThread };
 
 CycleEnd WaitForCycle(const HurriedClock& clock, const CycleReport& report, ProgressLine& line)
@@ -87,7 +63,7 @@ CycleEnd WaitForCycle(const HurriedClock& clock, const CycleReport& report, Prog
             return CycleEnd::Stopped;
         if (report.ThreadFailed())
             return CycleEnd::NoThread;
-        line.Update();
+        line.Show(report.Activity());
     }
     return CycleEnd::Done;
 }
@@ -183,7 +159,9 @@ bool RunOneCycle(const IndexArguments& arguments, CycleReport* report, CycleEnd*
     const IndexSession session(&clock, report, arguments.debug);
     if (arguments.fullSpeed)
         OverrideVariable("GoogleWaitTime", "0");
-    ProgressLine line(!arguments.json, *report);
+    ProgressLine line(!arguments.json);
+    if (line.IsShown())
+        OverrideVariable("GoogleDebugLots", "1");  // an entry for each note
     const std::unique_ptr<AddIn> addIn = AddIn::Load(error);
     if (addIn == nullptr)
         return false;

@@ -4,7 +4,6 @@
 #include <sys/ioctl.h>
 #include <unicode/uchar.h>
 #include <unicode/utf8.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <array>
@@ -121,7 +120,7 @@ bool MayBreakBetween(const Cell& a, const Cell& b)
 }
 
 // How many cells from `begin` on are one line.
-size_t EndOfLine(const std::vector<Cell>& cells, size_t begin, size_t columns)
+size_t EndOfFirstLine(const std::vector<Cell>& cells, size_t begin, size_t columns)
 {
     size_t end = begin;
     for (size_t used = 0; end < cells.size() && used + cells[end].columns <= columns; ++end)
@@ -150,7 +149,7 @@ std::string Wrapped(std::string_view utf8, size_t first, size_t columns, size_t 
     std::string lines;
     for (size_t at = 0; at < cells.size();) {
         const bool isFirst = at == 0;
-        const size_t end = EndOfLine(cells, at, isFirst ? first : columns - inner);
+        const size_t end = EndOfFirstLine(cells, at, isFirst ? first : columns - inner);
         size_t last = end;  // blanks at a line's end are not worth a column
         while (end < cells.size() && last > at && IsBlank(cells[last - 1]))
             --last;
@@ -178,12 +177,12 @@ bool WantsColor()
     return isatty(STDOUT_FILENO) != 0 && (refusal == nullptr || *refusal == '\0') && !IsDumbTerminal();
 }
 
-size_t TerminalColumns()
+size_t TerminalColumns(int descriptor)
 {
-    if (isatty(STDOUT_FILENO) == 0)
+    if (isatty(descriptor) == 0)
         return 0;
     winsize size{};
-    if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0)
+    if (ioctl(descriptor, TIOCGWINSZ, &size) == 0 && size.ws_col > 0)
         return size.ws_col;
     const char* const told = std::getenv("COLUMNS");
     const long columns = told == nullptr ? 0 : std::strtol(told, nullptr, 10);
@@ -238,6 +237,21 @@ std::string IndentLine(std::string_view utf8, size_t columns, size_t indent)
 {
     const size_t room = IndentFor(columns, indent);
     return std::string(room, ' ') + Wrapped(utf8, columns == 0 ? 0 : columns - room, columns, indent);
+}
+
+std::string EndOfLine(std::string_view utf8, size_t columns)
+{
+    if (ColumnsOf(utf8) <= columns)
+        return std::string(utf8);
+    constexpr size_t kEllipsis = 1;
+    const std::vector<Cell> cells = CellsOf(utf8);
+    size_t begin = cells.size();
+    for (size_t used = kEllipsis; begin > 0 && used + cells[begin - 1].columns <= columns; --begin)
+        used += cells[begin - 1].columns;
+    std::string end = columns < kEllipsis ? "" : "…";
+    for (; begin < cells.size(); ++begin)
+        end += cells[begin].text;
+    return end;
 }
 
 }  // namespace pavex

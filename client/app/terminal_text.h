@@ -2,6 +2,8 @@
 // stands there, and no line is wider than the screen.
 #pragma once
 
+#include <unistd.h>
+
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -15,8 +17,8 @@ bool IsDumbTerminal();
 // not set.
 bool WantsColor();
 
-// How wide standard output is, in columns; 0 when it is no terminal: lines are as long as they are.
-size_t TerminalColumns();
+// How wide the terminal of a descriptor is, in columns; 0 when it is none: lines are as long as they are.
+size_t TerminalColumns(int descriptor = STDOUT_FILENO);
 
 // UTF-8 on one line: control characters and line and paragraph separators become blanks; characters that show
 // nothing themselves but order or hide others (the bidirectional controls, invisible marks and tags) go, but for
@@ -35,5 +37,8 @@ size_t ColumnsOf(std::string_view utf8);
 std::string WrapLine(std::string_view utf8, size_t columns, size_t indent);
 // The same with the first line indented, too.
 std::string IndentLine(std::string_view utf8, size_t columns, size_t indent);
+
+// The line itself where it fits; else as much of its end as does, behind an ellipsis.
+std::string EndOfLine(std::string_view utf8, size_t columns);
 
 }  // namespace pavex

@@ -78,6 +78,19 @@ TEST(TerminalText, BreaksLinesWhereReadersExpectIt)
     EXPECT_EQ(IndentLine("abcdef", 4, 4), " abc\n def") << "a narrow screen is indented less";
 }
 
+TEST(TerminalText, KeepsTheEndOfALineThatIsTooLong)
+{
+    EXPECT_EQ(EndOfLine("/var/mail/ann: 12 entries", 25), "/var/mail/ann: 12 entries");
+    EXPECT_EQ(EndOfLine("/var/mail/ann: 12 entries", 24), "…ar/mail/ann: 12 entries");
+    EXPECT_EQ(EndOfLine("東京都庁", 8), "東京都庁");
+    EXPECT_EQ(EndOfLine("東京都庁", 7), "…京都庁");
+    EXPECT_EQ(EndOfLine("東京都庁", 6), "…都庁") << "half a character is none";
+    EXPECT_EQ(EndOfLine("ae\u0301e\u0301", 2), "…e\u0301");
+    EXPECT_EQ(EndOfLine("abc", 1), "…");
+    EXPECT_EQ(EndOfLine("abc", 0), "");
+    EXPECT_EQ(EndOfLine("", 0), "");
+}
+
 TEST(TerminalText, KeepsSequencesAcrossLines)
 {
     EXPECT_EQ(WrapLine("\033[1mbold\033[0m text", 4, 0), "\033[1mbold\033[0m\ntext");
