@@ -3,6 +3,7 @@
 
 #include <filesystem>
 #include <iostream>
+#include <sstream>
 
 #include "client/app/command.h"
 #include "client/app/terminal_text.h"
@@ -84,7 +85,10 @@ int RunProgram(int argc, char** argv)
     try {
         program.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
-        return program.exit(error) == 0 ? kExitDone : kExitWrongUse;
+        std::ostringstream wrongUse;
+        const bool isAnswered = program.exit(error, std::cout, wrongUse) == 0;
+        std::cerr << PrintableLines(wrongUse.str());
+        return isAnswered ? kExitDone : kExitWrongUse;
     }
     umask(S_IRWXG | S_IRWXO);  // whatever is written is the user's own business
     std::string problem;

@@ -12,6 +12,7 @@
 #include "client/app/progress_line.h"
 #include "client/app/signals.h"
 #include "client/app/slots.h"
+#include "client/app/terminal_text.h"
 #include "client/foundation/host.h"
 #include "client/store/database.h"
 #include "platform/store.h"
@@ -109,7 +110,7 @@ void PrintText(const std::vector<Slot>& slots, const CycleReport& report, bool s
         const std::optional<PassResult> result = report.ResultOf(slot.path);
         if (!result)
             continue;
-        std::cout << slot.path << ": ";
+        std::cout << PrintableLine(slot.path) << ": ";
         if (result->status == kStatusNothingModified)
             std::cout << "up to date\n";
         else if (result->status != 0 && result->status != kStatusStopped)

@@ -9,6 +9,7 @@
 #include "client/app/indexing_state.h"
 #include "client/app/json_output.h"
 #include "client/app/slots.h"
+#include "client/app/terminal_text.h"
 
 namespace pavex {
 
@@ -77,12 +78,12 @@ void PrintText(const std::vector<Slot>& slots, const std::string& whyNot)
 {
     std::cout << (whyNot.empty() ? "indexing is on" : "indexing is off: " + whyNot) << '\n';
     for (const Slot& slot : slots)
-        std::cout << "  " << slot.path << ": " << StateOf(slot) << '\n';
+        std::cout << "  " << PrintableLine(slot.path) << ": " << StateOf(slot) << '\n';
     const std::deque<std::string> lines = LastLogLines();
     if (!lines.empty())
-        std::cout << "last log entries (" << CurrentPlaces().log << "):\n";
+        std::cout << "last log entries (" << PrintableLine(CurrentPlaces().log) << "):\n";
     for (const std::string& line : lines)
-        std::cout << "  " << line << '\n';
+        std::cout << "  " << PrintableLine(line) << '\n';
 }
 
 }  // namespace

@@ -6,8 +6,6 @@
 #include <unicode/utf8.h>
 
 #include <algorithm>
-#include <array>
-#include <cstdio>
 #include <cstdlib>
 #include <string_view>
 #include <vector>
@@ -19,7 +17,6 @@ namespace {
 constexpr UChar32 kNonJoiner = 0x200C;
 constexpr UChar32 kJoiner = 0x200D;
 constexpr UChar32 kEmojiStyle = 0xFE0F;
-constexpr UChar32 kReplacement = 0xFFFD;
 constexpr size_t kUsualColumns = 80;
 
 // The character at a place, which moves on behind it.
@@ -27,29 +24,8 @@ UChar32 NextCharacter(std::string_view utf8, size_t* at)
 {
     const auto* const bytes = reinterpret_cast<const uint8_t*>(utf8.data());
     UChar32 c = 0;
-    U8_NEXT(bytes, *at, utf8.size(), c);
-    return c < 0 ? kReplacement : c;
-}
-
-void Append(UChar32 c, std::string* utf8)
-{
-    std::array<uint8_t, U8_MAX_LENGTH> bytes{};
-    size_t length = 0;
-    U8_APPEND_UNSAFE(bytes.data(), length, c);
-    utf8->append(reinterpret_cast<const char*>(bytes.data()), length);
-}
-
-bool EndsLine(UChar32 c)
-{
-    const int8_t type = u_charType(c);
-    return type == U_CONTROL_CHAR || type == U_LINE_SEPARATOR || type == U_PARAGRAPH_SEPARATOR;
-}
-
-// Some format characters are signs of their script that are seen.
-bool IsInvisible(UChar32 c)
-{
-    return u_charType(c) == U_FORMAT_CHAR && c != kJoiner && c != kNonJoiner &&
-           u_hasBinaryProperty(c, UCHAR_PREPENDED_CONCATENATION_MARK) == 0;
+    U8_NEXT_OR_FFFD(bytes, *at, utf8.size(), c);
+    return c;
 }
 
 bool IsWide(UChar32 c)
@@ -187,37 +163,6 @@ size_t TerminalColumns(int descriptor)
     const char* const told = std::getenv("COLUMNS");
     const long columns = told == nullptr ? 0 : std::strtol(told, nullptr, 10);
     return columns > 0 ? static_cast<size_t>(columns) : kUsualColumns;
-}
-
-std::string PrintableLine(std::string_view utf8)
-{
-    std::string line;
-    line.reserve(utf8.size());
-    for (size_t at = 0; at < utf8.size();)
-        if (const UChar32 c = NextCharacter(utf8, &at); !IsInvisible(c))
-            Append(EndsLine(c) ? UChar32{' '} : c, &line);
-    return line;
-}
-
-std::string EscapeUnprintable(std::string_view json)
-{
-    std::string escaped;
-    escaped.reserve(json.size());
-    for (size_t at = 0; at < json.size();) {
-        const UChar32 c = NextCharacter(json, &at);
-        if (c < 0x7F || (!EndsLine(c) && !IsInvisible(c))) {
-            Append(c, &escaped);
-            continue;
-        }
-        std::array<char, 16> text{};
-        if (c > 0xFFFF)
-            (void)std::snprintf(text.data(), text.size(), "\\u%04x\\u%04x", static_cast<unsigned>(U16_LEAD(c)),
-                                static_cast<unsigned>(U16_TRAIL(c)));
-        else
-            (void)std::snprintf(text.data(), text.size(), "\\u%04x", static_cast<unsigned>(c));
-        escaped += text.data();
-    }
-    return escaped;
 }
 
 size_t ColumnsOf(std::string_view utf8)

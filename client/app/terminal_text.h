@@ -8,6 +8,8 @@
 #include <string>
 #include <string_view>
 
+#include "client/store/printable_text.h"
+
 namespace pavex {
 
 // Whether the terminal, as TERM names it, can only print.
@@ -19,14 +21,6 @@ bool WantsColor();
 
 // How wide the terminal of a descriptor is, in columns; 0 when it is none: lines are as long as they are.
 size_t TerminalColumns(int descriptor = STDOUT_FILENO);
-
-// UTF-8 on one line: control characters and line and paragraph separators become blanks; characters that show
-// nothing themselves but order or hide others (the bidirectional controls, invisible marks and tags) go, but for
-// the joiners that scripts and emoji are written with.  What is no UTF-8 becomes U+FFFD.
-std::string PrintableLine(std::string_view utf8);
-
-// JSON text with the same characters, which stand within its strings only, as \u escapes: it means the same.
-std::string EscapeUnprintable(std::string_view json);
 
 // The columns that a text takes at most: wide characters count two, accents and a terminal's sequences (those that
 // begin with ESC [) nothing.

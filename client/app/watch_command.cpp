@@ -73,7 +73,7 @@ std::string TextOfOptions(const WatchedSource& source)
 
 void Tell(const WatchedSource& source, const AddedSource& added)
 {
-    const std::string options = TextOfOptions(source);
+    const std::string options = PrintableLine(TextOfOptions(source));
     const std::string path = PrintableLine(source.path);
     switch (added.outcome) {
     case AddedSource::Outcome::kAdded:

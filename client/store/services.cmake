@@ -23,6 +23,7 @@ target_sources(pavex_objects PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/names.cpp
   ${CMAKE_CURRENT_LIST_DIR}/path.cpp
   ${CMAKE_CURRENT_LIST_DIR}/policy.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/printable_text.cpp
   ${CMAKE_CURRENT_LIST_DIR}/record_walk.cpp
   ${CMAKE_CURRENT_LIST_DIR}/rendered_note.cpp
   ${CMAKE_CURRENT_LIST_DIR}/richtext.cpp

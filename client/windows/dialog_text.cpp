@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 
 #include "client/store/charset.h"
+#include "client/store/printable_text.h"
 #include "client/windows/dialog.h"
 
 namespace pavex {
@@ -39,7 +40,7 @@ std::string LineOf(const Control& control)
 {
     std::string line = LeadOf(control) + " " + std::to_string(control.id) + " " + control.name + ":";
     if (!control.text.empty())
-        line += " " + Utf8FromScs(control.text);
+        line += " " + PrintableLine(Utf8FromScs(control.text));
     return line + StateOf(control) + "\n";
 }
 
@@ -63,12 +64,12 @@ nlohmann::ordered_json JsonOf(const Control& control)
 
 std::string DialogAsText(const Dialog& dialog)
 {
-    std::string text = dialog.Title() + "\n";
+    std::string text = PrintableLine(dialog.Title()) + "\n";
     for (const Control& control : dialog.Controls()) {
         text += LineOf(control);
         for (size_t i = 0; i < control.entries.size(); ++i) {
             const bool selected = static_cast<long>(i) == control.selected;
-            text += std::string(selected ? "  > " : "    ") + Utf8FromScs(control.entries[i]) + "\n";
+            text += std::string(selected ? "  > " : "    ") + PrintableLine(Utf8FromScs(control.entries[i])) + "\n";
         }
     }
     return text;
@@ -79,7 +80,7 @@ std::string DialogAsJson(const Dialog& dialog)
     nlohmann::ordered_json controls = nlohmann::ordered_json::object();
     for (const Control& control : dialog.Controls())
         controls[std::to_string(control.id)] = JsonOf(control);
-    return nlohmann::ordered_json{{"controls", std::move(controls)}}.dump();
+    return EscapeUnprintable(nlohmann::ordered_json{{"controls", std::move(controls)}}.dump());
 }
 
 }  // namespace pavex

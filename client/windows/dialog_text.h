@@ -8,6 +8,7 @@ namespace pavex {
 class Dialog;
 
 // One line a control in the dialog's order, the entries of a list below it; UTF-8.
+// In neither text anything is left that a terminal would obey.
 std::string DialogAsText(const Dialog& dialog);
 // {"controls":{"3382":{"kind":"check","text":"...","checked":true,"enabled":true,"visible":true},
 //              "3383":{"kind":"list","text":"","items":["..."],"selected":0,...},...}}, one line, UTF-8.

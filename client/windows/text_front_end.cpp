@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "client/store/charset.h"
+#include "client/store/printable_text.h"
 #include "client/windows/chosen_path.h"
 #include "client/windows/dialog.h"
 #include "client/windows/dialog_text.h"
@@ -104,7 +105,7 @@ void TextFrontEnd::RunCommand(Dialog& dialog, const std::string& line)
     TextAction action;
     std::string error;
     if (!ParseAction(dialog, line, &action, &error) || !Perform(dialog, action, &error))
-        Messages() << error << '\n';
+        Messages() << PrintableLine(error) << '\n';
 }
 
 bool TextFrontEnd::Perform(Dialog& dialog, const TextAction& action, std::string* error)
@@ -198,7 +199,9 @@ std::optional<std::string> TextFrontEnd::Ask(std::string_view prompt)
 
 int TextFrontEnd::MessageBox(const MessageBoxRequest& box)
 {
-    Messages() << IconName(box.icon) << ": " << box.caption << '\n' << box.text << '\n' << std::flush;
+    Messages() << IconName(box.icon) << ": " << PrintableLine(box.caption) << '\n'
+               << PrintableLines(box.text) << '\n'
+               << std::flush;
     int answer = kBoxAnswerOk;
     if (box.canCancel) {
         const bool yes = options_.answers == BoxAnswers::Yes ||

@@ -20,6 +20,7 @@ torvik_test(store_services_test THREADED
     ${CMAKE_CURRENT_LIST_DIR}/names_test.cpp
     ${CMAKE_CURRENT_LIST_DIR}/path_test.cpp
     ${CMAKE_CURRENT_LIST_DIR}/policy_test.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/printable_text_test.cpp
     ${CMAKE_CURRENT_LIST_DIR}/rendered_note_test.cpp
     ${CMAKE_CURRENT_LIST_DIR}/richtext_test.cpp
     ${CMAKE_CURRENT_LIST_DIR}/seal_test.cpp
