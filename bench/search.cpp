@@ -98,7 +98,8 @@ double Ms(const timeval& time)
 
 Run Search(const fs::path& home, const Words& arguments)
 {
-    Words words = {TORVIK_BINARY_DIR "/bin/pavex", "--home", home.string(), "search", "--json"};
+    const std::string program = TORVIK_BINARY_DIR "/bin/pavex";
+    Words words = {program, "--home", home.string(), "search", "--json"};
     words.insert(words.end(), arguments.begin(), arguments.end());
     std::vector<char*> pointers;
     for (std::string& word : words)
