@@ -1,40 +1,21 @@
-// tests/client/app/opens_dialog.cpp: put before the client's window program by a test: the hand that picks the
-// first entry of its menu, the add-in's, as soon as the window is there.
-#include <QApplication>
+// tests/client/app/opens_dialog.cpp: the hand that picks the first entry of the client's menu, the add-in's, as soon as
+// the window is there.
 #include <QMainWindow>
 #include <QMenu>
 #include <QMenuBar>
-#include <QTimer>
-#include <cstdlib>
+
+#include "tests/client/app/window_hand.h"
 
 namespace {
 
-constexpr int kLookMs = 10;
-
-void PickFirstEntry(QTimer* timer)
+bool PickFirstEntry(QWidget& widget)
 {
-    for (QWidget* const widget : QApplication::topLevelWidgets()) {
-        auto* const window = qobject_cast<QMainWindow*>(widget);
-        if (window == nullptr || !window->isVisible())
-            continue;
-        timer->stop();
+    auto* const window = qobject_cast<QMainWindow*>(&widget);
+    if (window != nullptr)
         window->menuBar()->actions().front()->menu()->actions().front()->trigger();
-        return;
-    }
+    return window != nullptr;
 }
 
-void WaitForWindow()
-{
-    auto* const timer = new QTimer(QCoreApplication::instance());
-    QObject::connect(timer, &QTimer::timeout, timer, [timer] { PickFirstEntry(timer); });
-    timer->start(kLookMs);
-}
-
-// What the program starts has no windows.
-const bool kWaits = [] {
-    unsetenv("LD_PRELOAD");
-    qAddPreRoutine(WaitForWindow);
-    return true;
-}();
+const bool kActs = ActOnFirstWindow<PickFirstEntry>();
 
 }  // namespace
