@@ -1,6 +1,7 @@
 """What the packaging tests share: the program installed into a tree of the test's own, and run from there."""
 import os
 import pathlib
+import re
 import subprocess
 import sys
 import tempfile
@@ -12,6 +13,11 @@ SKIPPED = 77  # exit status that the test runner takes for a skipped test
 def skip(reason):
     print("skipped:", reason)
     sys.exit(SKIPPED)
+
+
+def is_sanitized(build):
+    cache = (pathlib.Path(build) / "CMakeCache.txt").read_text()
+    return not re.search(r"^TORVIK_SANITIZE:STRING=$", cache, re.M)
 
 
 class Tree:

@@ -1,13 +1,42 @@
-"""The user's service is one that systemd takes, and starts a command that there is: service.py BUILD"""
+"""The user's service is one that systemd takes, starts a command that there is, and lets it do its work: service.py BUILD
+"""
 import configparser
+import json
+import mmap
+import os
 import shutil
+import signal
+import socket
 import subprocess
 import sys
+import time
 import unittest
 
-from installed import Tree, skip
+from confined import Confined, why_not
+from installed import SOURCE, Tree, is_sanitized, skip
 
 BUILD = sys.argv.pop(1)
+
+
+# All that the service is held to.
+SETTINGS = {
+    "KillMode": "mixed",
+    "Restart": "on-failure",
+    "RestartSec": "60",
+    "Nice": "10",
+    "IOSchedulingClass": "idle",
+    "UMask": "0077",
+    "NoNewPrivileges": "yes",
+    "LockPersonality": "yes",
+    "MemoryDenyWriteExecute": "yes",
+    "RestrictAddressFamilies": "AF_UNIX",
+    "RestrictNamespaces": "yes",
+    "RestrictRealtime": "yes",
+    "RestrictSUIDSGID": "yes",
+    "SystemCallArchitectures": "native",
+    "SystemCallFilter": "@system-service",
+    "SystemCallErrorNumber": "EPERM",
+}
 
 
 class Service(unittest.TestCase):
@@ -43,8 +72,83 @@ class Service(unittest.TestCase):
             name, section = page.removeprefix("man:").rstrip(")").split("(")
             self.assertTrue((self.tree.prefix / f"share/man/man{section}/{name}.{section}").exists(), page)
 
-    def test_stays_out_of_the_way(self):
-        self.assertEqual((self.service()["Nice"], self.service()["IOSchedulingClass"]), ("10", "idle"))
+    def test_stays_out_of_the_way_and_is_held_to_what_it_needs(self):
+        # No other: what gives a service a view of its own on folders ends it where users can make no namespaces.
+        self.assertEqual({name: value for name, value in self.service().items() if name != "ExecStart"}, SETTINGS)
+
+    @unittest.skipIf(why_not(), why_not())
+    def test_cannot_do_what_it_does_not_need(self):
+        victim = self.tree.folder / "victim"
+        victim.touch()
+        started = self.tree.folder / "started"
+        forbidden = {
+            "socket": lambda: socket.socket(socket.AF_INET),
+            "chmod": lambda: victim.chmod(0o4755),
+            "openat": lambda: os.open(self.tree.folder / "made", os.O_CREAT | os.O_WRONLY, 0o2755),
+            "mmap": lambda: mmap.mmap(-1, mmap.PAGESIZE, prot=mmap.PROT_READ | mmap.PROT_WRITE | mmap.PROT_EXEC),
+            "sched_setscheduler": lambda: os.sched_setscheduler(0, os.SCHED_FIFO, os.sched_param(1)),
+            "chroot": lambda: os.chroot(self.tree.folder),
+        }
+
+        def work():
+            for attempt in forbidden.values():
+                self.assertRaises(OSError, attempt)
+            subprocess.run(["unshare", "--user", "touch", started], stderr=subprocess.DEVNULL)
+        refused = Confined(self.service()).run(work)
+        self.assertEqual([call.split(": ")[1].split("(")[0] for call in refused], [*forbidden, "unshare"])
+        self.assertFalse(started.exists())
+
+    def eventually(self, condition):
+        for _ in range(6000):
+            if condition():
+                return
+            time.sleep(0.01)
+        self.fail("never came true")
+
+    def stay(self, mail, deliver):
+        """The client runs until it has read in what there is, and what is delivered then."""
+        notes = self.tree.home / "data/mail.vlt"
+
+        def subjects():
+            return self.tree.pavex("note", "list", "--db", notes) if notes.exists() else ""
+        client = subprocess.Popen(["pavex", "run"], env=self.tree.environment, stdout=subprocess.PIPE,
+                                  stderr=subprocess.STDOUT, text=True)
+        try:
+            self.eventually(lambda: "quince" in subjects())
+            deliver("medlar")
+            self.eventually(lambda: "medlar" in subjects())
+        finally:
+            client.send_signal(signal.SIGTERM)
+            self.assertEqual((client.communicate()[0], client.returncode), ("", 0))
+
+    @unittest.skipIf(why_not(), why_not())
+    @unittest.skipIf(is_sanitized(BUILD), "the sanitizers make calls of their own")
+    def test_lets_the_client_do_all_its_work(self):
+        mail = self.tree.folder / "Mail"
+        for folder in ("cur", "new", "tmp"):
+            (mail / folder).mkdir(parents=True)
+
+        def deliver(subject):
+            (mail / "tmp" / subject).write_text(f"From: a@example.org\nSubject: {subject}\n\nlentils\n")
+            (mail / "tmp" / subject).rename(mail / "new" / subject)
+
+        def work():
+            os.nice(int(self.service()["Nice"]))
+            os.umask(int(self.service()["UMask"], 8))
+            deliver("quince")
+            self.tree.pavex("watch", mail)
+            self.stay(mail, deliver)
+            for kind in ("bookmarks", "calendar", "contacts", "documents", "mail"):
+                self.tree.pavex("import", SOURCE / "samples" / kind)
+            databases = [path for path in sorted((self.tree.home / "data").glob("*.vlt"))
+                         if path.name != "bookmark.vlt"]  # the history is indexed unasked
+            self.tree.pavex("settings", "--enable", "--yes", *(f"--add={path.name}" for path in databases))
+            self.tree.pavex("index", "--full-speed")
+            hits = [json.loads(line) for line in self.tree.pavex("search", "--json", "lentils").splitlines()]
+            self.assertEqual({hit["title"] for hit in hits}, {"quince", "medlar"})
+            self.assertIn("lentils", self.tree.pavex("open", hits[0]["url"]))
+            self.tree.pavex("check", "--repair")
+        self.assertEqual(Confined(self.service()).run(work), [])
 
 
 if __name__ == "__main__":
