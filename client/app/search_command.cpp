@@ -54,6 +54,13 @@ std::string WhyNoDate(const std::string& text)
     return UnixFromDate(text) ? std::string() : "\"" + text + "\" is no date; write 2007-03-05 or 2007-03-05T14:00:00Z";
 }
 
+std::string WhyNoName(const std::string& text)
+{
+    SearchRequest request;
+    request.words = {text};
+    return BuildQuery(request, {}).empty() ? "there is no name to look for in \"" + text + "\"" : std::string();
+}
+
 SearchRequest RequestOf(const SearchArguments& arguments)
 {
     SearchRequest request;
@@ -155,7 +162,7 @@ CommandFunction ConfigureSearch(CLI::App& options)
 {
     const auto arguments = std::make_shared<SearchArguments>();
     options.add_option("--kind", arguments->kind, "notes of this kind only")->check(CLI::IsMember(KindNames()));
-    options.add_option("--from", arguments->from, "notes of this author only")->type_name("NAME");
+    options.add_option("--from", arguments->from, "notes of this author only")->type_name("NAME")->check(WhyNoName);
     options.add_option("--after", arguments->after, "notes of this date or later")->type_name("DATE")->check(WhyNoDate);
     options.add_option("--before", arguments->before, "notes before this date")->type_name("DATE")->check(WhyNoDate);
     options.add_option("--limit", arguments->limit, "at most this many results")

@@ -2,6 +2,7 @@
 #include "client/search/configuration.h"
 
 #include <sys/stat.h>
+#include <unicode/unistr.h>
 
 #include <cerrno>
 #include <cstring>
@@ -12,6 +13,7 @@
 
 #include "client/search/file_text.h"
 #include "client/search/kinds.h"
+#include "client/search/signs.h"
 #include "client/store/descriptor.h"
 
 namespace pavex {
@@ -53,12 +55,26 @@ std::string FromAnywhere(const std::string& path)
     return steps + path.substr(1);
 }
 
+// As the engine reads it: each letter with what it stands for behind it.
+std::string LetterList()
+{
+    std::string list;
+    for (const LetterForm& form : LetterForms()) {
+        icu::UnicodeString(static_cast<UChar32>(form.letter)).toUTF8String(list);
+        list.append(form.plain).append(" ");
+    }
+    list.pop_back();
+    return list;
+}
+
 std::string FillIn(std::string text, const SearchFolders& folders)
 {
     ReplaceEach(&text, "@METADATA@", InQuotes(folders.metadata));
     ReplaceEach(&text, "@SHEET@", InQuotes(FromAnywhere(folders.home + "/pavex.xsl")));
     ReplaceEach(&text, "@FOLDER@", folders.home);
     ReplaceEach(&text, "@MARKER@", kTextMarker);
+    ReplaceEach(&text, "@LETTERS@", LetterList());
+    ReplaceEach(&text, "@ALPHABETS@", Alphabets());
     return text;
 }
 

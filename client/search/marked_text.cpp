@@ -10,6 +10,8 @@
 #include <algorithm>
 #include <optional>
 
+#include "client/search/signs.h"
+
 namespace pavex {
 
 namespace {
@@ -20,9 +22,10 @@ struct FoldedText {
     std::vector<Mark> origins;
 };
 
-bool IsAccent(UChar32 c)
+// What the engine leaves out of its terms.
+bool IsLeftOut(UChar32 c)
 {
-    return u_charType(c) == U_NON_SPACING_MARK;
+    return u_charType(c) == U_NON_SPACING_MARK || IsShaping(c);
 }
 
 icu::UnicodeString Decomposed(UChar32 c)
@@ -35,38 +38,12 @@ icu::UnicodeString Decomposed(UChar32 c)
     return parts.foldCase();
 }
 
-// As the engine's settings have it (recoll.conf) beyond what Unicode takes apart.
 icu::UnicodeString Folded(UChar32 c)
 {
-    switch (c) {
-    case 0x152:
-    case 0x153:
-        return u"oe";
-    case 0xC6:
-    case 0xE6:
-        return u"ae";
-    case 0xF8:
-    case 0xD8:
-        return u"o";
-    case 0x142:
-    case 0x141:
-        return u"l";
-    case 0x110:
-    case 0x111:
-        return u"d";
-    case 0x126:
-    case 0x127:
-        return u"h";
-    case 0x131:
-        return u"i";
-    case 0x166:
-    case 0x167:
-        return u"t";
-    case 0x2019:
-        return u"'";
-    default:
-        return Decomposed(c);
-    }
+    for (const LetterForm& form : LetterForms())
+        if (form.letter == static_cast<char32_t>(c))
+            return icu::UnicodeString::fromUTF8(form.plain);
+    return Decomposed(c);
 }
 
 // Calls back with each character and its bytes; what is no UTF-8 comes as U+FFFD.
@@ -97,19 +74,17 @@ FoldedText Fold(std::string_view utf8)
         }
         const icu::UnicodeString parts = Folded(c);
         for (int32_t i = 0; i < parts.length(); i = parts.moveIndex32(i, 1))
-            if (const UChar32 part = parts.char32At(i); !IsAccent(part))
+            if (const UChar32 part = parts.char32At(i); !IsLeftOut(part))
                 add(part, bytes);
     });
     return folded;
 }
 
-// Scripts that write words without blanks between them.
+// Written without blanks between words.
 bool RunsOn(UChar32 c)
 {
     UErrorCode failed = U_ZERO_ERROR;
-    const UScriptCode script = uscript_getScript(c, &failed);
-    return script == USCRIPT_HAN || script == USCRIPT_HIRAGANA || script == USCRIPT_KATAKANA ||
-           script == USCRIPT_HANGUL || script == USCRIPT_THAI;
+    return IsPaired(c) || uscript_getScript(c, &failed) == USCRIPT_THAI;
 }
 
 // Whether a word can end, and another begin, before the character at this place.
@@ -126,7 +101,7 @@ std::string OnOneLine(std::string_view text)
 {
     std::string line;
     VisitCharacters(text, [&line, text](UChar32 c, const Mark& bytes) {
-        if (!u_iscntrl(c) && !u_isUWhiteSpace(c))
+        if (!IsSeparator(c))
             line += text.substr(bytes.begin, bytes.end - bytes.begin);
         else if (!line.empty() && !line.ends_with(' '))
             line += ' ';

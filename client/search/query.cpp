@@ -4,12 +4,13 @@
 #include <unicode/locid.h>
 #include <unicode/uchar.h>
 #include <unicode/unistr.h>
-#include <unicode/uscript.h>
 
 #include <algorithm>
 #include <array>
 #include <cstdio>
 #include <ctime>
+
+#include "client/search/signs.h"
 
 namespace pavex {
 
@@ -20,16 +21,23 @@ constexpr int64_t kFirstMoment = -62167219200;  // 0000-01-01T00:00:00Z
 constexpr int64_t kLastMoment = 253402300799;   // 9999-12-31T23:59:59Z
 
 // In lower case, since the engine takes a capital as a wish for the very word; what is a sign of the query
-// language even between quotes becomes a blank, as do control characters.
+// language even between quotes becomes a blank, as do control characters.  Numbers stand alone, as they do in the
+// index.
 icu::UnicodeString Plain(std::string_view word)
 {
     icu::UnicodeString text = icu::UnicodeString::fromUTF8({word.data(), static_cast<int32_t>(word.size())});
     text.toLower(icu::Locale::getRoot());
     icu::UnicodeString plain;
+    UChar32 last = ' ';
     for (int32_t at = 0; at < text.length(); at = text.moveIndex32(at, 1)) {
         const UChar32 c = text.char32At(at);
+        if (IsShaping(c))
+            continue;
         const bool isSign = c == '"' || c == '\\' || c == '*' || c == '?' || c == '[' || c == ']';
-        plain.append(isSign || u_iscntrl(c) || u_isUWhiteSpace(c) ? UChar32{' '} : c);
+        if (c >= '0' && c <= '9' && SwallowsDigits(last))
+            plain.append(UChar32{' '});
+        last = isSign || IsSeparator(c) ? UChar32{' '} : c;
+        plain.append(last);
     }
     return plain.trim();
 }
@@ -43,21 +51,14 @@ bool HasTerm(const icu::UnicodeString& text)
     return false;
 }
 
+// Whether the engine would take it for one term, of which it can have the beginning.  Of paired characters it finds any
+// part without an asterisk.
 bool IsOneWord(const icu::UnicodeString& text)
 {
     for (int32_t at = 0; at < text.length(); at = text.moveIndex32(at, 1))
-        if (!u_isalnum(text.char32At(at)))
+        if (const UChar32 c = text.char32At(at); !u_isalnum(c) || IsPaired(c))
             return false;
     return true;
-}
-
-// Written without blanks between words; the engine takes each two of these that stand together for a term.
-bool IsPaired(UChar32 c)
-{
-    UErrorCode failed = U_ZERO_ERROR;
-    const UScriptCode script = uscript_getScript(c, &failed);
-    return script == USCRIPT_HAN || script == USCRIPT_HIRAGANA || script == USCRIPT_KATAKANA ||
-           script == USCRIPT_HANGUL;
 }
 
 // Whether the text before a blank ends with one of these that has no other to be paired with.  Among words that are to

@@ -5,6 +5,10 @@
 <xsl:output method="html" encoding="UTF-8"/>
 
 <xsl:variable name="properties" select="/plist/dict/key[. != 'com_quorvex_morvane_pavex_metafile_version']"/>
+<!-- What most texts are written in, the most frequent first: each is looked for from the beginning. -->
+<xsl:variable name="ascii-list"> etaoinsrhldcumfpgwybvkxjqz.,&#10;&#13;&#9;0123456789-'"():/@=&lt;>_;!?&amp;+*#%~$[]{}|\^`ETAOINSRHLDCUMFPGWYBVKXJQZ</xsl:variable>
+<xsl:variable name="ascii" select="string($ascii-list)"/>
+<xsl:variable name="alphabets" select="'@ALPHABETS@'"/>
 <!-- Of those a note has, the first of this order is its date. -->
 <xsl:variable name="date">
   <xsl:call-template name="first"><xsl:with-param name="keys"
@@ -119,7 +123,79 @@
   </p>
 </xsl:template>
 
-<xsl:template match="string | integer | real" mode="value"><xsl:value-of select="."/></xsl:template>
+<xsl:template match="integer | real" mode="value"><xsl:value-of select="."/></xsl:template>
+<!-- The engine takes digits that follow Chinese, Japanese or Korean signs for a part of them: a blank before the first
+     digit leaves the number a number. Texts in other scripts are left as they are, but for signs that the engine would
+     part a word at, and whose likes it does not. -->
+<xsl:variable name="parting" select="'‘❛‑'"/>
+<xsl:variable name="joining" select="'’’‐'"/>
+<xsl:template match="string" mode="value">
+  <xsl:variable name="others" select="translate(., $ascii, '')"/>
+  <xsl:choose>
+    <xsl:when test="$others = ''"><xsl:value-of select="."/></xsl:when>
+    <xsl:when test="translate($others, $alphabets, '') = ''">
+      <xsl:value-of select="translate(., $parting, $joining)"/>
+    </xsl:when>
+    <xsl:otherwise>
+      <xsl:call-template name="parted">
+        <xsl:with-param name="text" select="translate(., $parting, $joining)"/>
+      </xsl:call-template>
+    </xsl:otherwise>
+  </xsl:choose>
+</xsl:template>
+<!-- By halves, down to short pieces: each number is a step deeper, and each step takes what is left of its piece.
+     before: the sign before the text. -->
+<xsl:template name="parted">
+  <xsl:param name="text"/>
+  <xsl:param name="before"/>
+  <xsl:variable name="length" select="string-length($text)"/>
+  <xsl:choose>
+    <xsl:when test="$length > 64">
+      <xsl:variable name="half" select="floor($length div 2)"/>
+      <xsl:call-template name="parted">
+        <xsl:with-param name="text" select="substring($text, 1, $half)"/>
+        <xsl:with-param name="before" select="$before"/>
+      </xsl:call-template>
+      <xsl:call-template name="parted">
+        <xsl:with-param name="text" select="substring($text, $half + 1)"/>
+        <xsl:with-param name="before" select="substring($text, $half, 1)"/>
+      </xsl:call-template>
+    </xsl:when>
+    <xsl:otherwise>
+      <xsl:call-template name="numbers">
+        <xsl:with-param name="text" select="$text"/>
+        <xsl:with-param name="before" select="$before"/>
+      </xsl:call-template>
+    </xsl:otherwise>
+  </xsl:choose>
+</xsl:template>
+<xsl:template name="numbers">
+  <xsl:param name="text"/>
+  <xsl:param name="before"/>
+  <xsl:variable name="zeros" select="translate($text, '123456789', '000000000')"/>
+  <xsl:choose>
+    <xsl:when test="not(contains($zeros, '0'))"><xsl:value-of select="$text"/></xsl:when>
+    <xsl:otherwise>
+      <xsl:variable name="lead" select="substring-before($zeros, '0')"/>
+      <xsl:variable name="done" select="concat($before, $lead)"/>
+      <xsl:variable name="last" select="substring($done, string-length($done))"/>
+      <xsl:variable name="rest" select="substring($text, string-length($lead) + 1)"/>
+      <xsl:variable name="next" select="substring(translate($rest, '0123456789', ''), 1, 1)"/>
+      <xsl:value-of select="$lead"/>
+      <xsl:if test="not(contains($ascii, $last) or contains($alphabets, $last))"><xsl:text> </xsl:text></xsl:if>
+      <xsl:choose>
+        <xsl:when test="$next = ''"><xsl:value-of select="$rest"/></xsl:when>
+        <xsl:otherwise>
+          <xsl:value-of select="substring-before($rest, $next)"/>
+          <xsl:call-template name="numbers">
+            <xsl:with-param name="text" select="concat($next, substring-after($rest, $next))"/>
+          </xsl:call-template>
+        </xsl:otherwise>
+      </xsl:choose>
+    </xsl:otherwise>
+  </xsl:choose>
+</xsl:template>
+
 <xsl:template match="date" mode="value"><xsl:value-of select="translate(., 'TZ', ' ')"/></xsl:template>
 <xsl:template match="array | dict" mode="value">
   <xsl:for-each select=".//string | .//integer | .//real | .//date">

@@ -349,8 +349,12 @@ TEST_F(ProgramSearch, TakesEverySignAsText)
     for (const char* words :
          {"zebra OR fence", "zebra AND slides", "mime:text", "dir:/", "date:2007", "zebra|fence", "$(id)"})
         EXPECT_EQ(Found({words}), Lines()) << words;
-    for (const char* none : {"!!!", "\"", "()", "*", ""})
+    for (const char* none : {"!!!", "\"", "()", "*", ""}) {
         ExpectOneClearLine(home_->Run({"search", none}), 2, {"no word to look for"});
+        const ProgramResult result = home_->Run({"search", "--from", none, "zebra"});
+        EXPECT_EQ(result.exit, 2);
+        EXPECT_THAT(result.err, HasSubstr("no name to look for"));
+    }
 }
 
 TEST_F(ProgramSearch, TellsWhatANoteIsAndWhereToOpenIt)

@@ -54,6 +54,8 @@ TEST(MarkedText, FindsWordsWithoutRegardToCaseAndAccents)
         {"alert, alerts", {"alert", "alerts"}, "<alert>, <alerts>"},
         {"Привет", {"привет"}, "<Привет>"},
         {"검색 엔진", {"검색"}, "<검색> 엔진"},
+        {"価格は500円です", {"500", "円"}, "価格は<500円>です"},
+        {"Sil\u00ADben, T\u2010shirt", {"silben", "t-shirt"}, "<Sil\u00ADben>, <T\u2010shirt>"},
         {"nothing here", {"zebra"}, "nothing here"},
         {"zebra", {}, "zebra"},
         {"", {"zebra"}, ""},
