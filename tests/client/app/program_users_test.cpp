@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <grp.h>
 #include <gtest/gtest.h>
+#include <sys/prctl.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -35,6 +36,7 @@ public:
     ~Being()
     {
         EXPECT_TRUE(seteuid(0) == 0 && setegid(getgid()) == 0 && setgroups(groups_.size(), groups_.data()) == 0);
+        (void)prctl(PR_SET_DUMPABLE, 1);  // lost with the change; what looks for leaks at the end wants it
     }
     Being(const Being&) = delete;
     Being& operator=(const Being&) = delete;
