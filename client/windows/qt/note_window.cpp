@@ -86,9 +86,14 @@ void NoteWindow::ShowPage()
     page_->setAccessibleName(title);
     back_->setEnabled(notes_.size() > 1);
     ShowProblem(note.problem);
+    RenderPage();
+}
+
+void NoteWindow::RenderPage()
+{
     page_->document()->setDefaultStyleSheet("p { margin: 0 0 4px 0 } h2 { margin: 0 0 10px 0 } td.label { color: " +
                                             Quiet(palette()).name() + "; padding-right: 12px; white-space: nowrap }");
-    page_->setHtml(PageOfNote(note));
+    page_->setHtml(PageOfNote(notes_.back()));
 }
 
 void NoteWindow::ShowProblem(const std::string& problem)
@@ -101,8 +106,11 @@ void NoteWindow::ShowProblem(const std::string& problem)
 void NoteWindow::changeEvent(QEvent* event)
 {
     QDialog::changeEvent(event);
-    if (event->type() == QEvent::PaletteChange)
-        ShowPage();
+    if (event->type() != QEvent::PaletteChange)
+        return;
+    const int place = page_->verticalScrollBar()->value();
+    RenderPage();
+    page_->verticalScrollBar()->setValue(place);
 }
 
 void NoteWindow::Follow(const QUrl& link)

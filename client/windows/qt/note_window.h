@@ -21,6 +21,7 @@ protected:
 private:
     void AddButtons();
     void ShowPage();
+    void RenderPage();
     void ShowProblem(const std::string& problem);
     void Follow(const QUrl& link);
     void GoBack();

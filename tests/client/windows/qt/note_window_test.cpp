@@ -3,6 +3,7 @@
 
 #include <QApplication>
 #include <QClipboard>
+#include <QScrollBar>
 #include <QTextBlock>
 #include <QTimer>
 
@@ -140,6 +141,25 @@ TEST_F(NoteWindowTest, SaysBelowANoteWhatElseTheUserMustKnow)
         EXPECT_FALSE(problem->isVisible());
         QTest::mouseClick(Button(window, "&Back"), Qt::LeftButton);
         EXPECT_TRUE(problem->isVisible());
+    });
+}
+
+TEST_F(NoteWindowTest, StaysWhereItIsReadWhenTheColoursChange)
+{
+    content_.note.body.insert(content_.note.body.begin(), 200, {NotePiece::Kind::kParagraph, "one of many lines", {}});
+    content_.note.body.push_back({NotePiece::Kind::kLink, "a broken link", "gone"});
+    Run([](QDialog& window) {
+        ClickOn(window, "a broken link");
+        const int place = Page(window)->verticalScrollBar()->value();
+        EXPECT_GT(place, 0);
+        const QString before = Page(window)->document()->defaultStyleSheet();
+        QPalette dark = window.palette();
+        dark.setColor(QPalette::Base, Qt::black);
+        dark.setColor(QPalette::Text, Qt::white);
+        window.setPalette(dark);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return Page(window)->document()->defaultStyleSheet() != before; }));
+        EXPECT_EQ(Page(window)->verticalScrollBar()->value(), place);
+        EXPECT_TRUE(window.findChild<QLabel*>()->isVisible()) << "why the link leads nowhere";
     });
 }
 
