@@ -1,11 +1,14 @@
 // client/app/commands.cpp: the table of subcommands, and the program around them.
 #include <sys/stat.h>
+#include <unistd.h>
 
+#include <cstring>
 #include <filesystem>
 #include <iostream>
 #include <sstream>
 
 #include "client/app/command.h"
+#include "client/app/standard_output.h"
 #include "client/app/terminal_text.h"
 #include "client/foundation/host.h"
 #include "client/store/path.h"
@@ -77,7 +80,9 @@ std::map<const CLI::App*, CommandFunction> ConfigureProgram(CLI::App& program, s
     return functions;
 }
 
-int RunProgram(int argc, char** argv)
+namespace {
+
+int RunCommand(int argc, char** argv)
 {
     CLI::App program;
     std::string home;
@@ -99,6 +104,20 @@ int RunProgram(int argc, char** argv)
     if (!GetVariable("MailFile", &mailFile))
         OverrideVariable("MailFile", "mail.vlt");  // where mail is imported to; the settings dialog proposes it
     return functions.at(program.get_subcommands().front())();
+}
+
+}  // namespace
+
+int RunProgram(int argc, char** argv)
+{
+    KeepStandardFiles();
+    StandardOutput output(&std::cout, STDOUT_FILENO);
+    const int exit = RunCommand(argc, argv);
+    const int failure = output.Finish();
+    if (failure == 0)
+        return exit;
+    (void)Fail(std::string("cannot write to standard output: ") + std::strerror(failure));
+    return exit == kExitDone ? kExitFailed : exit;
 }
 
 }  // namespace pavex
