@@ -2,6 +2,8 @@
 // The rules are tried in their order; the first that applies is the reason.
 #include "client/check/explain.h"
 
+#include "client/store/shell_word.h"
+
 namespace pavex {
 
 namespace {
@@ -39,8 +41,8 @@ std::string NextPass(const Case& c)
 
 std::string SettingsAdd(const NoteFacts& facts)
 {
-    return "the database " + facts.database + " is not among the indexed ones. Add it with: pavex settings --add '" +
-           facts.database + "'";
+    return "the database " + facts.database + " is not among the indexed ones. Add it with: pavex settings --add " +
+           ShellWord(facts.database);
 }
 
 constexpr const char* kRepair = "Repair with: pavex check --repair";

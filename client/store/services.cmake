@@ -28,6 +28,7 @@ target_sources(pavex_objects PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/rendered_note.cpp
   ${CMAKE_CURRENT_LIST_DIR}/richtext.cpp
   ${CMAKE_CURRENT_LIST_DIR}/seal.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/shell_word.cpp
   ${CMAKE_CURRENT_LIST_DIR}/status.cpp
   ${CMAKE_CURRENT_LIST_DIR}/threads.cpp
   ${CMAKE_CURRENT_LIST_DIR}/time_calls.cpp

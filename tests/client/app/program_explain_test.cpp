@@ -79,7 +79,7 @@ TEST_F(ProgramExplain, SaysThatTheDatabaseIsNotIndexed)
 {
     home_.Put("mail.vlt", kNotes);
     ExpectReason(1, false, "database-not-indexed");
-    EXPECT_THAT(ExplainId(1)["text"].get<std::string>(), HasSubstr("pavex settings --add '"));
+    EXPECT_THAT(ExplainId(1)["text"].get<std::string>(), HasSubstr("pavex settings --add "));
     EXPECT_EQ(ExplainId(1)["metafile_state"], "none");
 }
 

@@ -80,7 +80,7 @@ const Row kNotFindable[] = {
     {"no-document", "Not findable: it is a form", [](NoteFacts& facts) { facts.state = NoteState::kNoDocument; }},
     {"database-not-indexed",
      "Not findable: the database /data/mail.vlt is not among the indexed ones. Add it with: "
-     "pavex settings --add '/data/mail.vlt'",
+     "pavex settings --add /data/mail.vlt",
      [](NoteFacts& facts) { facts.record.reset(); }},
     {"draft",
      "Not findable: the note was never sent, and drafts are not indexed. Have them indexed with: pavex "

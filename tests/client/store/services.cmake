@@ -24,6 +24,7 @@ torvik_test(store_services_test THREADED
     ${CMAKE_CURRENT_LIST_DIR}/rendered_note_test.cpp
     ${CMAKE_CURRENT_LIST_DIR}/richtext_test.cpp
     ${CMAKE_CURRENT_LIST_DIR}/seal_test.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/shell_word_test.cpp
     ${CMAKE_CURRENT_LIST_DIR}/status_test.cpp
     ${CMAKE_CURRENT_LIST_DIR}/threads_test.cpp
     ${CMAKE_CURRENT_LIST_DIR}/time_calls_test.cpp
