@@ -52,11 +52,15 @@ int RunProgram(int argc, char** argv);
 // pavex settings without options: the settings dialog as a window, while the add-in indexes.
 int ShowSettingsWindow();
 
-// One line on standard error, "pavex: ...", and kExitFailed.
+// One line on standard error, "pavex: ...".
+void Warn(const std::string& message);
+// The same, and kExitFailed.
 int Fail(const std::string& message);
 
 // The native path of a database as a user names it: an absolute path, or one that is found from the
 // working folder, or has a folder part; else the file of that name in the data directory.
 std::string DatabasePath(const std::string& name);
+// The shortest name that DatabasePath takes for this path.
+std::string DatabaseName(const std::string& path);
 
 }  // namespace pavex

@@ -48,9 +48,14 @@ std::span<const CommandRow> Commands()
     return kCommands;
 }
 
-int Fail(const std::string& message)
+void Warn(const std::string& message)
 {
     std::cerr << "pavex: " << PrintableLine(message) << '\n';
+}
+
+int Fail(const std::string& message)
+{
+    Warn(message);
     return kExitFailed;
 }
 
@@ -63,6 +68,12 @@ std::string DatabasePath(const std::string& name)
     if (name.find('/') != std::string::npos || fs::exists(name, none))
         return fs::absolute(name, none).lexically_normal().string();
     return (fs::path(CurrentPlaces().data) / name).string();
+}
+
+std::string DatabaseName(const std::string& path)
+{
+    std::string name = std::filesystem::path(path).filename().string();
+    return DatabasePath(name) == path ? name : path;
 }
 
 std::map<const CLI::App*, CommandFunction> ConfigureProgram(CLI::App& program, std::string* home)

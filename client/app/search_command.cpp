@@ -9,6 +9,7 @@
 #include <set>
 
 #include "client/app/command.h"
+#include "client/app/indexing_state.h"
 #include "client/app/last_search.h"
 #include "client/app/search_folders.h"
 #include "client/app/search_report.h"
@@ -143,7 +144,7 @@ int RunSearch(const SearchArguments& arguments)
         return kExitWrongUse;
     }
     if (!HasMetadata(folders))
-        return Fail("nothing is indexed yet; index with: pavex settings --enable --yes, then pavex index");
+        return Fail("nothing is indexed yet: " + HowToIndex(ReadSlots()));
     return Ask(folders, request, arguments);
 }
 

@@ -1,12 +1,14 @@
 // client/app/settings_command.cpp: pavex settings: the settings dialog, a window or driven by options or commands.
 #include <unistd.h>
 
+#include <algorithm>
 #include <iostream>
 #include <memory>
 #include <optional>
 
 #include "client/app/addin_host.h"
 #include "client/app/command.h"
+#include "client/app/indexing_state.h"
 #include "client/windows/text_front_end.h"
 
 namespace pavex {
@@ -111,6 +113,14 @@ bool WantsWindow(const SettingsArguments& arguments)
     return !arguments.text && !arguments.show && !arguments.json && ChangesAskedFor(arguments).empty();
 }
 
+// Indexing is on, and yet there is nothing that it could index.
+void WarnOfNoDatabases()
+{
+    const std::vector<Slot> slots = ReadSlots();
+    if (std::ranges::none_of(slots, [](const Slot& slot) { return slot.number != kHistorySlot; }))
+        Warn("nothing will be indexed: " + HowToIndex(slots));
+}
+
 int RunSettings(const SettingsArguments& arguments)
 {
     if (WantsWindow(arguments)) {
@@ -129,7 +139,10 @@ int RunSettings(const SettingsArguments& arguments)
     SetFrontEnd(nullptr);
     if (const std::string failed = TakeFailedWrite(); !failed.empty())
         return Fail(failed);
-    return Judge(frontEnd, !ChangesAskedFor(arguments).empty());
+    const int exit = Judge(frontEnd, !ChangesAskedFor(arguments).empty());
+    if (exit == kExitDone && arguments.enable)
+        WarnOfNoDatabases();
+    return exit;
 }
 
 }  // namespace

@@ -9,9 +9,12 @@
 #include <nlohmann/json.hpp>
 
 #include "client/app/command.h"
+#include "client/app/indexing_state.h"
 #include "client/app/json_output.h"
 #include "client/app/terminal_text.h"
+#include "client/app/unindexed_targets.h"
 #include "client/store/descriptor.h"
+#include "client/store/shell_word.h"
 #include "client/watch/read_records.h"
 #include "client/watch/watch_list.h"
 #include "client/watch/watch_lock.h"
@@ -92,10 +95,23 @@ void Tell(const WatchedSource& source, const AddedSource& added)
         break;
     }
     for (const std::string& covered : added.covered) {
-        const std::string part = PrintableLine(covered);
-        std::cout << "  " << part << " is a part of it and need not be listed by itself: pavex watch --remove " << part
-                  << '\n';
+        std::cout << "  " << PrintableLine(covered)
+                  << " is a part of it and need not be listed by itself: pavex watch --remove "
+                  << PrintableLine(ShellWord(covered)) << '\n';
     }
+}
+
+// Between the sources of a list and their being found.
+void TellWhatIsMissing(const WatchList& list, const ReadRecords& records)
+{
+    if (list.entries.empty())
+        return;
+    if (!SomebodyWatches())
+        std::cout << kNobodyWatches << '\n';
+    if (const std::string why = WhyNothingIsIndexed(ReadSlots()); !why.empty())
+        std::cout << "what is read in is not indexed: " << why << '\n';
+    for (const std::string& line : TellUnindexedTargets(list, records))
+        std::cout << PrintableLine(line) << '\n';
 }
 
 bool Add(const std::string& given, const WatchArguments& arguments)
@@ -143,8 +159,8 @@ int Change(const WatchArguments& arguments)
     bool all = true;
     for (const std::string& source : arguments.sources)
         all = (arguments.remove ? Remove(source) : Add(source, arguments)) && all;
-    if (!arguments.remove && !ReadWatchList().entries.empty() && !SomebodyWatches())
-        std::cout << kNobodyWatches << '\n';
+    if (!arguments.remove)
+        TellWhatIsMissing(ReadWatchList(), LoadReadRecords(CurrentPlaces().data));
     return all ? kExitDone : kExitFailed;
 }
 
@@ -184,15 +200,20 @@ void PrintJson(const WatchList& list, ReadRecords records)
     std::cout << TextOfJson(json) << '\n';
 }
 
-void PrintText(const WatchList& list, ReadRecords records)
+ReadRecord RecordOf(const WatchedSource& source, const ReadRecords& records)
+{
+    const auto found = records.find(source.path);
+    return found != records.end() ? found->second : ReadRecord();
+}
+
+void PrintText(const WatchList& list, const ReadRecords& records)
 {
     if (list.entries.empty())
         std::cout << "no sources are watched; pavex watch SOURCE adds one\n";
     for (const WatchListEntry& entry : list.entries)
         std::cout << PrintableLine(entry.source.path + TextOfOptions(entry.source)) << ": "
-                  << StateOf(entry.source, records[entry.source.path]) << '\n';
-    if (!list.entries.empty() && !SomebodyWatches())
-        std::cout << kNobodyWatches << '\n';
+                  << StateOf(entry.source, RecordOf(entry.source, records)) << '\n';
+    TellWhatIsMissing(list, records);
 }
 
 // A list with bad entries is shown, and the command fails.

@@ -44,6 +44,15 @@ public:
         return nullptr;
     }
 
+    std::string PathOf(EntryKind kind) const
+    {
+        for (const TargetRow& row : kTargets) {
+            if (row.kind == kind)
+                return PathOf(row);
+        }
+        return {};
+    }
+
     bool BeginSource(const std::string& source, bool prune)
     {
         source_ = source;
@@ -191,6 +200,7 @@ public:
         EntryStore* const store = targets_.Of(entry.kind);
         if (store == nullptr)
             return Fail(targets_.Error());
+        report_->databases.insert(targets_.PathOf(entry.kind));
         const Reported before = ReportedSoFar();
         if (!store->Offer(std::move(entry), report_))
             return Fail(store->Error());

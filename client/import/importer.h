@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -40,6 +41,7 @@ struct ImportReport {
     uint64_t passedOver = 0;
     std::vector<RejectedEntry> rejected;
     std::vector<RejectedEntry> notices;  // of entries that were added or updated
+    std::set<std::string> databases;     // native paths of those that the entries belong in
 };
 
 struct ImportProgress {

@@ -22,6 +22,16 @@ std::string TextOf(const nlohmann::json& object, const char* key)
     return found != object.end() && found->is_string() ? found->get<std::string>() : std::string();
 }
 
+std::set<std::string> TextsOf(const nlohmann::json& object, const char* key)
+{
+    std::set<std::string> texts;
+    if (const auto found = object.find(key); found != object.end() && found->is_array())
+        for (const nlohmann::json& text : *found)
+            if (text.is_string())
+                texts.insert(text.get<std::string>());
+    return texts;
+}
+
 }  // namespace
 
 ReadRecords LoadReadRecords(const std::string& dataDirectory)
@@ -40,7 +50,8 @@ ReadRecords LoadReadRecords(const std::string& dataDirectory)
         const auto rejected = source.find("rejected");
         records[TextOf(source, "source")] = {
             TextOf(source, "read"), TextOf(source, "error"),
-            rejected != source.end() && rejected->is_number_unsigned() ? rejected->get<uint64_t>() : 0};
+            rejected != source.end() && rejected->is_number_unsigned() ? rejected->get<uint64_t>() : 0,
+            TextsOf(source, "databases")};
     }
     return records;
 }
@@ -49,8 +60,11 @@ bool SaveReadRecords(const std::string& dataDirectory, const ReadRecords& record
 {
     nlohmann::ordered_json sources = nlohmann::ordered_json::array();
     for (const auto& [path, record] : records)
-        sources.push_back(
-            {{"source", path}, {"read", record.read}, {"error", record.error}, {"rejected", record.rejected}});
+        sources.push_back({{"source", path},
+                           {"read", record.read},
+                           {"error", record.error},
+                           {"rejected", record.rejected},
+                           {"databases", record.databases}});
     const nlohmann::ordered_json json{{"sources", sources}};
     return ReplaceFile(PathIn(dataDirectory),
                        json.dump(1, ' ', false, nlohmann::json::error_handler_t::replace) + "\n");

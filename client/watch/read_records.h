@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <map>
+#include <set>
 #include <string>
 
 namespace pavex {
@@ -11,6 +12,7 @@ struct ReadRecord {
     std::string read;       // when its last whole or partial reading that succeeded began, "2026-11-22T06:45:00Z"
     std::string error;      // why the last reading failed; empty when it did not
     uint64_t rejected = 0;  // entries of the last whole reading that did not come in
+    std::set<std::string> databases = {};  // native paths of those that it was read into, by any reading
     bool operator==(const ReadRecord&) const = default;
 };
 using ReadRecords = std::map<std::string, ReadRecord>;  // by the source's path, as it is listed

@@ -289,6 +289,7 @@ void WatchLoop::Report(Source* source, const Reading& reading)
         record.read = reading.began;
     if (reading.All())
         record.rejected = report.rejected.size();
+    record.databases.insert(report.databases.begin(), report.databases.end());
     (void)SaveReadRecords(CurrentPlaces().data, records_);  // only tells; the next reading tries again
 }
 

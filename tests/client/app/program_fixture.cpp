@@ -72,6 +72,11 @@ void Process::Signal(int number) const
     kill(pid_, number);
 }
 
+std::string Process::Error() const
+{
+    return ReadWholeFile(stem_ + ".err");
+}
+
 ProgramResult Process::Wait()
 {
     int status = 0;

@@ -33,6 +33,8 @@ public:
     Process& operator=(const Process&) = delete;
 
     void Signal(int number) const;
+    // What it wrote on standard error until now.
+    std::string Error() const;
     ProgramResult Wait();
 
 private:

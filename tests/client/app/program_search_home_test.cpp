@@ -62,7 +62,7 @@ TEST(ProgramSearchHome, FindsNothingWhenTheLastNoteIsGone)
     (void)home.Index();
     ExpectOneClearLine(home.Run({"search", "quince"}), 0, {"nothing found"});
     fs::remove_all(home.Path("home/caches/Metadata"));
-    ExpectOneClearLine(home.Run({"search", "quince"}), 1, {"nothing is indexed yet"});
+    ExpectOneClearLine(home.Run({"search", "quince"}), 1, {"nothing is indexed yet: index with: pavex index"});
 }
 
 TEST(ProgramSearchHome, MayBeCalledAnythingAndLeavesTheUsersOwnSearchAlone)
@@ -140,7 +140,7 @@ TEST(ProgramSearchHome, LeavesANoteOfMoreThanTenMillionBytesOutAndTakesTheRest)
 TEST(ProgramSearchHome, SaysWhatIsMissing)
 {
     ProgramHome home;
-    ExpectOneClearLine(home.Run({"search", "zebra"}), 1, {"nothing is indexed yet", "pavex index"});
+    ExpectOneClearLine(home.Run({"search", "zebra"}), 1, {"nothing is indexed yet", "pavex import SOURCE"});
     for (const Lines& wrong : std::vector<Lines>{{"search"},
                                                  {"search", "--after", "yesterday", "x"},
                                                  {"search", "--before", "2007-02-30", "x"},

@@ -262,5 +262,79 @@ TEST_F(ProgramWatch, TellsWrongUse)
     }
 }
 
+// ---- what is read in, and not indexed --------------------------------------------------------------
+
+TEST_F(ProgramWatch, RunNamesTheDatabaseThatIsReadIntoAndNotIndexed)
+{
+    Deliver("quince");
+    Watch({Mail()});
+    const ProgramResult enabled = home_.Run({"settings", "--enable", "--yes"});
+    EXPECT_EQ(enabled.exit, 0);
+    EXPECT_THAT(enabled.err, HasSubstr("pavex: nothing will be indexed: there are no notes; bring some in first"));
+    const std::string line = Mail() + " is read into " + home_.Path("home/data/mail.vlt") +
+                             ", which is not among the indexed databases; add it with: pavex settings --add mail.vlt";
+    const std::unique_ptr<Process> running = home_.Start({"run"});
+    EXPECT_TRUE(Eventually([&] { return home_.Run({"watch"}).out.ends_with(line + "\n"); }));
+    EXPECT_TRUE(
+        Eventually([&] { return running->Error() == "pavex: " + line + ", then end pavex run and start it again\n"; }));
+    running->Signal(SIGTERM);
+    EXPECT_EQ(running->Wait().exit, 0);
+
+    ExpectOneClearLine(
+        home_.Run({"search", "quince"}), 1,
+        {"nothing is indexed yet: no databases are chosen", "pavex settings --add mail.vlt, then pavex index"});
+    ASSERT_EQ(home_.Run({"settings", "--add", "mail.vlt"}).exit, 0);
+    ExpectOneClearLine(home_.Run({"search", "quince"}), 1, {"nothing is indexed yet: index with: pavex index"});
+    (void)home_.Index();
+    EXPECT_EQ(Search("quince"), Lines{"quince"});
+    EXPECT_THAT(home_.Run({"watch"}).out, Not(HasSubstr("indexed")));
+}
+
+// The commands of the manual page, up to the one that stays.
+TEST_F(ProgramWatch, TheExampleOfTheManualPageMakesEverythingFound)
+{
+    Deliver("quince");
+    fs::create_directories(home_.Path("lists"));
+    fs::rename(home_.Path("m"), home_.Path("Maildir"));
+    WriteWholeFile(home_.Path("lists/gardeners"),
+                   "From ann@example.org Mon Mar  5 14:00:00 2007\n" + Message("medlar"));
+    WriteWholeFile(home_.Path("calendar.ics"),
+                   "BEGIN:VCALENDAR\nVERSION:2.0\nBEGIN:VEVENT\nUID:1\n"
+                   "DTSTART:20070305T140000Z\nSUMMARY:Planting\nEND:VEVENT\nEND:VCALENDAR\n");
+    const std::string page = ReadWholeFile(TORVIK_SOURCE_DIR "/man/pavex-watch.1");
+    const std::string begin = ".Bd -literal -offset indent\n";
+    const size_t first = page.find(begin, page.find(".Sh EXAMPLES")) + begin.size();
+    std::string commands = page.substr(first, page.find("pavex run\n.Ed", first) - first);
+    for (size_t at = commands.find("\\e\n"); at != commands.npos; at = commands.find("\\e\n"))
+        commands.erase(at + 1, 1);
+    ASSERT_THAT(commands, AllOf(HasSubstr("pavex watch"), HasSubstr("pavex settings")));
+    Process shell(
+        {"env", "HOME=" + home_.Path(""), "sh", "-ec",
+         "pavex() { " TORVIK_BINARY_DIR "/bin/pavex --home " + home_.Path("home") + " \"$@\"; }\n" + commands},
+        home_.Path("shell"));
+    const ProgramResult example = shell.Wait();
+    EXPECT_EQ(example.exit, 0) << commands << example.err;
+    EXPECT_THAT(home_.Run({"watch"}).out, Not(HasSubstr("indexed")));
+    ASSERT_EQ(home_.Run({"index", "--full-speed"}).exit, 0);
+    EXPECT_EQ(Search("quince"), Lines{"quince"});
+    EXPECT_EQ(Search("medlar"), Lines{"medlar"});
+    EXPECT_EQ(Search("planting"), Lines{"Planting"});
+}
+
+TEST_F(ProgramWatch, HintsMayBePastedWhateverAPathHolds)
+{
+    const std::string odd = home_.Path("od d/it's;c");
+    fs::create_directories(odd);
+    Watch({odd});
+    const std::string out = home_.Run({"watch", home_.Path("od d")}).out;
+    const std::string hint = "pavex watch --remove ";
+    ASSERT_THAT(out, HasSubstr(hint));
+    const size_t begin = out.find(hint) + hint.size();
+    const std::string word = out.substr(begin, out.find('\n', begin) - begin);
+    Process shell({"sh", "-c", TORVIK_BINARY_DIR "/bin/pavex --home " + home_.Path("home") + " watch --remove " + word},
+                  home_.Path("shell"));
+    EXPECT_EQ(shell.Wait().out, odd + ": not watched any more; its notes stay\n");
+}
+
 }  // namespace
 }  // namespace pavex

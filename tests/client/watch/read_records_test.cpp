@@ -16,7 +16,7 @@ protected:
 
 TEST_F(ReadRecordsTest, AreReadBack)
 {
-    const ReadRecords records = {{"/home/ann/Mail", {"2026-11-22T06:45:00Z", "", 3}},
+    const ReadRecords records = {{"/home/ann/Mail", {"2026-11-22T06:45:00Z", "", 3, {"/d/a.vlt", "/d/b.vlt"}}},
                                  {"/mnt/\"x\"", {"", "cannot be read: No such file or directory", 0}}};
     EXPECT_TRUE(SaveReadRecords(Folder(), records));
     EXPECT_EQ(LoadReadRecords(Folder()), records);
@@ -26,14 +26,17 @@ TEST_F(ReadRecordsTest, AreReadBack)
 
 TEST_F(ReadRecordsTest, AreWrittenInTheirFormat)
 {
-    EXPECT_TRUE(SaveReadRecords(Folder(), {{"/home/ann/Mail", {"2026-11-22T06:45:00Z", "", 3}}}));
+    EXPECT_TRUE(SaveReadRecords(Folder(), {{"/home/ann/Mail", {"2026-11-22T06:45:00Z", "", 3, {"/d/mail.vlt"}}}}));
     EXPECT_EQ(ReadWholeFile(folder_ / "watched.json"), R"({
  "sources": [
   {
    "source": "/home/ann/Mail",
    "read": "2026-11-22T06:45:00Z",
    "error": "",
-   "rejected": 3
+   "rejected": 3,
+   "databases": [
+    "/d/mail.vlt"
+   ]
   }
  ]
 }
