@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <filesystem>
+#include <iterator>
 
 #include "client/import/source_walk.h"
 
@@ -25,6 +26,42 @@ bool IsFolder(const std::string& path)
 {
     struct stat info {};
     return stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
+}
+
+// The path, where each symbolic link on the way stands, and where it all leads to, there or not: the source changes
+// when one of them comes or goes.
+std::set<std::string> PlacesOnTheWay(const std::string& path)
+{
+    constexpr size_t kMostLinks = 40;  // as the system follows them
+    std::set<std::string> places = {path};
+    std::error_code failure;
+    fs::path reached = "/";
+    std::vector<fs::path> ahead;  // names, the next one last
+    const auto lead = [&ahead](const fs::path& names) {
+        std::copy(std::make_reverse_iterator(names.end()), std::make_reverse_iterator(names.begin()),
+                  std::back_inserter(ahead));
+    };
+    lead(fs::path(path).relative_path());
+    size_t links = 0;
+    while (!ahead.empty()) {
+        const fs::path name = ahead.back();
+        ahead.pop_back();
+        const fs::path next = name == ".."                  ? reached.parent_path()
+                              : name.empty() || name == "." ? reached
+                                                            : reached / name;
+        const bool isLink = fs::is_symlink(fs::symlink_status(next, failure)) && ++links <= kMostLinks;
+        if (!isLink) {
+            reached = next;
+            continue;
+        }
+        places.insert(next.string());
+        const fs::path target = fs::read_symlink(next, failure);
+        if (target.is_absolute())
+            reached = "/";
+        lead(target.relative_path());
+    }
+    places.insert(reached.string());
+    return places;
 }
 
 }  // namespace
@@ -106,12 +143,10 @@ SourceWatch::Placed SourceWatch::Place(int source, const std::string& path, cons
         return placed;
     }
     Placing placing(events_, source);
-    placing.Above(path);
-    if (!placed.canonicalPath.empty()) {
-        if (placed.canonicalPath != path)
-            placing.Above(placed.canonicalPath);
+    for (const std::string& place : PlacesOnTheWay(path))
+        placing.Above(place);
+    if (!placed.canonicalPath.empty())
         placing.Itself(placed.canonicalPath, goOn);
-    }
     Watched watched{placed.canonicalPath, {}};
     std::vector<std::pair<int, Role>> roles = placing.TakeRoles();
     for (const auto& [watch, role] : roles) {

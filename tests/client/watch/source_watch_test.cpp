@@ -252,6 +252,39 @@ TEST_F(SourceWatchTest, FollowsASourceBehindASymbolicLink)
     EXPECT_THAT(Read(), ElementsAre("file notes/a.md"));
 }
 
+TEST_F(SourceWatchTest, SeesTheTargetOfASymbolicLinkComeBack)
+{
+    fs::create_directories(folder_ / "disk/mail");
+    fs::create_symlink("disk/mail", folder_ / "second");
+    fs::create_symlink(folder_ / "second", folder_ / "link");
+    EXPECT_FALSE(Place("link").canonicalPath.empty());
+    for (const char* goes : {"disk/mail", "disk"}) {
+        SCOPED_TRACE(goes);
+        Rename(goes, "away");
+        EXPECT_TRUE(Read().contains("folders"));
+        EXPECT_EQ(Place("link").canonicalPath, "");
+        (void)Read();
+        Rename("away", goes);
+        EXPECT_THAT(Read(), ElementsAre("folders"));
+        EXPECT_EQ(Place("link").canonicalPath, fs::canonical(folder_ / "disk/mail").string());
+    }
+}
+
+TEST_F(SourceWatchTest, SeesALinkBetweenChange)
+{
+    fs::create_symlink("m", folder_ / "second");
+    fs::create_symlink("second", folder_ / "link");
+    (void)Place("link");
+    fs::remove(folder_ / "second");
+    fs::create_symlink("notes", folder_ / "second");
+    EXPECT_THAT(Read(), ElementsAre("folders"));
+    EXPECT_EQ(Place("link").canonicalPath, fs::canonical(folder_ / "notes").string());
+    fs::remove(folder_ / "second");
+    fs::create_symlink("link", folder_ / "second");
+    (void)Read();
+    EXPECT_EQ(Place("link").canonicalPath, "") << "they lead round in a circle";
+}
+
 TEST_F(SourceWatchTest, FollowsASymbolicLinkToAFolderInTheSource)
 {
     (void)Place("notes");
