@@ -139,9 +139,10 @@ int RunCheck(const CheckArguments& arguments)
     if (CurrentPlaces().caches.empty())
         return Fail("there is no caches folder, and so there are no metafiles");
     std::string error;
-    const std::optional<InstanceLock> lock = arguments.repair ? InstanceLock::Take(&error) : std::nullopt;
+    bool isHeld = false;
+    const std::optional<InstanceLock> lock = arguments.repair ? InstanceLock::Take(&error, &isHeld) : std::nullopt;
     if (arguments.repair && !lock)
-        return Fail(error + "; a repair needs it to be ended first");
+        return Fail(error + (isHeld ? "; a repair needs it to be ended first" : ""));
     CheckReport report(arguments.examples);
     Repair repair(arguments.repair, &report);
     CheckHome(MetadataFolder(CurrentPlaces().caches), &repair, &report);

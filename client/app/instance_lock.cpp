@@ -13,8 +13,10 @@
 
 namespace pavex {
 
-std::optional<InstanceLock> InstanceLock::Take(std::string* error)
+std::optional<InstanceLock> InstanceLock::Take(std::string* error, bool* isHeld)
 {
+    if (isHeld != nullptr)
+        *isHeld = false;
     const std::string path = CurrentPlaces().data + "/client.lock";
     const int descriptor = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
     if (descriptor < 0) {
@@ -22,8 +24,11 @@ std::optional<InstanceLock> InstanceLock::Take(std::string* error)
         return std::nullopt;
     }
     if (flock(descriptor, LOCK_EX | LOCK_NB) != 0) {
-        *error = errno == EWOULDBLOCK ? "another pavex run or pavex index is at work on " + CurrentPlaces().data
-                                      : "cannot lock " + path + ": " + std::strerror(errno);
+        const bool held = errno == EWOULDBLOCK;
+        *error = held ? "another pavex run or pavex index is at work on " + CurrentPlaces().data
+                      : "cannot lock " + path + ": " + std::strerror(errno);
+        if (isHeld != nullptr)
+            *isHeld = held;
         close(descriptor);
         return std::nullopt;
     }

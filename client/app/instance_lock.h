@@ -11,7 +11,8 @@ class InstanceLock {
 public:
     // Takes the lock of the current home.  None, with *error saying why, when another process has it or the
     // lock file cannot be made.
-    static std::optional<InstanceLock> Take(std::string* error);
+    //   isHeld  may be null; gets whether another process has it.
+    static std::optional<InstanceLock> Take(std::string* error, bool* isHeld = nullptr);
     InstanceLock(InstanceLock&& other) noexcept;
     InstanceLock& operator=(InstanceLock&& other) = delete;
     ~InstanceLock();

@@ -560,5 +560,13 @@ TEST_F(ProgramCheck, TellsOfAsManyExamplesAsAskedFor)
     EXPECT_EQ(home_.Run({"check", "now"}).exit, 2);
 }
 
+TEST_F(ProgramCheck, ARepairThatMayNotBeMadeNamesNoOtherProgram)
+{
+    std::filesystem::create_directories(home_.Path("home/data/client.lock"));
+    const ProgramResult repair = home_.Run({"check", "--repair"});
+    ExpectOneClearLine(repair, 1, {"cannot make " + home_.Path("home/data/client.lock"), "Is a directory"});
+    EXPECT_THAT(repair.err, Not(HasSubstr("ended first")));
+}
+
 }  // namespace
 }  // namespace pavex
