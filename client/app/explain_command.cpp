@@ -41,11 +41,6 @@ constexpr const char* kStateNames[] = {"good", "missing", "outdated", "damaged"}
 
 // ---- which note is meant ------------------------------------------------------------------------
 
-bool HasReplica(Database& database, const TIMEDATE& replica)
-{
-    return HexFromId(database.ReplicaId()) == HexFromId(replica);
-}
-
 // By its universal id, deleted notes too.  replica: null for that of any database.
 bool FindPlace(const UNID& unid, const TIMEDATE* replica, Place* place, std::string* error)
 {
@@ -59,7 +54,7 @@ bool FindPlace(const UNID& unid, const TIMEDATE* replica, Place* place, std::str
                 known.unread.push_back(file + ": " + DescribeStatus(status));
             continue;
         }
-        if (replica != nullptr && !HasReplica(*database, *replica))
+        if (replica != nullptr && !IsReplica(*database, *replica))
             continue;
         const STATUS status = database->engine().FindUnid(unid, &place->note);
         place->database = file;

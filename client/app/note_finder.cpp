@@ -37,12 +37,12 @@ void FindDatabases(const fs::path& folder, KnownDatabases* known)
     }
 }
 
+}  // namespace
+
 bool IsReplica(const Database& database, const TIMEDATE& id)
 {
     return std::memcmp(database.ReplicaId().Innards, id.Innards, sizeof id.Innards) == 0;
 }
-
-}  // namespace
 
 KnownDatabases FindKnownDatabases()
 {

@@ -15,6 +15,8 @@ struct KnownDatabases {
     std::vector<std::string> unread;  // "PATH: why", folders and databases that could not be looked into
 };
 KnownDatabases FindKnownDatabases();
+// Whether the database has this replica id.
+bool IsReplica(const Database& database, const TIMEDATE& id);
 // "; not looked into: ...", for the end of a message; empty when everything could be.
 std::string NotLookedInto(const KnownDatabases& known);
 

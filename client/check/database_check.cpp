@@ -1,8 +1,6 @@
 // client/check/database_check.cpp: the notes of one database, held against the metafiles of its folder.
 #include "client/check/database_check.h"
 
-#include <string_view>
-
 #include "client/check/metafile_state.h"
 #include "client/store/id_table.h"
 #include "client/store/note_link.h"
@@ -12,14 +10,6 @@ namespace pavex {
 namespace {
 
 using NoteOwner = Owner<NOTEHANDLE, VLTNoteClose>;
-
-uint8_t BitOf(const SearchKind* kind)
-{
-    for (size_t i = 0; kind != nullptr && i < kSearchKinds.size(); ++i)
-        if (std::string_view(kSearchKinds[i].name) == kind->name)
-            return static_cast<uint8_t>(1U << i);
-    return 0;
-}
 
 constexpr Finding FindingOf(FileState state)
 {

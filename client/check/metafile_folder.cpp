@@ -49,14 +49,6 @@ bool IsHalfWritten(std::string_view name)
            UnidOfName(name.substr(1, name.size() - 1 - kEnd.size()));
 }
 
-uint8_t BitOf(const SearchKind& kind)
-{
-    for (size_t i = 0; i < kSearchKinds.size(); ++i)
-        if (std::string_view(kSearchKinds[i].extension) == kind.extension)
-            return static_cast<uint8_t>(1U << i);
-    return 0;
-}
-
 auto OrderOf(const UNID& unid)
 {
     return std::tuple(unid.File.Innards[1], unid.File.Innards[0], unid.Note.Innards[1], unid.Note.Innards[0]);
@@ -141,7 +133,7 @@ bool ReadMetafileFolder(const std::string& path, MetafileFolder* folder, std::st
         const SplitName split = Split(name);
         const std::optional<UNID> unid = split.kind != nullptr ? UnidOfName(split.stem) : std::nullopt;
         if (unid)
-            folder->notes.push_back({*unid, BitOf(*split.kind)});
+            folder->notes.push_back({*unid, BitOf(split.kind)});
         else if (IsFolder(entry))
             CollectStrays(entry.path(), &folder->strays);
         else if (split.kind != nullptr)

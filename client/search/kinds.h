@@ -2,6 +2,8 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
+#include <cstdint>
 #include <string_view>
 
 namespace pavex {
@@ -44,6 +46,15 @@ constexpr const SearchKind* FindKindByExtension(std::string_view extension)
         if (extension == kind.extension)
             return &kind;
     return nullptr;
+}
+
+// The place of a kind of the table in sets of kinds, a bit; zero for null.
+constexpr uint8_t BitOf(const SearchKind* kind)
+{
+    for (size_t i = 0; kind != nullptr && i < kSearchKinds.size(); ++i)
+        if (std::string_view(kSearchKinds[i].name) == kind->name)
+            return static_cast<uint8_t>(1U << i);
+    return 0;
 }
 
 }  // namespace pavex
