@@ -94,7 +94,7 @@ int OpenInWindow(const OpenArguments& arguments)
 
 int RunOpen(const OpenArguments& arguments)
 {
-    return arguments.window && !arguments.raw && HasDisplay() ? OpenInWindow(arguments) : OpenHere(arguments);
+    return arguments.window && HasDisplay() ? OpenInWindow(arguments) : OpenHere(arguments);
 }
 
 }  // namespace
@@ -102,8 +102,8 @@ int RunOpen(const OpenArguments& arguments)
 CommandFunction ConfigureOpen(CLI::App& options)
 {
     const auto arguments = std::make_shared<OpenArguments>();
-    options.add_flag("--raw", arguments->raw, "print the note's items as JSON");
-    options.add_flag("--window", arguments->window, "show it in a window, where there is a display");
+    CLI::Option* const raw = options.add_flag("--raw", arguments->raw, "print the note's items as JSON");
+    options.add_flag("--window", arguments->window, "show it in a window, where there is a display")->excludes(raw);
     options.add_option("NOTE", arguments->target, "the note's URL, or its number in the last search")->required();
     return [arguments] { return RunOpen(*arguments); };
 }

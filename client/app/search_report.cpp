@@ -129,7 +129,9 @@ void PrintResults(const std::vector<SearchResult>& results, const std::vector<st
     int number = 0;
     for (const auto& [hit, snippet] : results) {
         lines.PrintFirst(std::to_string(++number) + ". " + hit.kind->name + "  " + LocalOfStamp(hit.stamp) + "  " +
-                         lines.Marked(hit.title));
+                         (PrintableLine(hit.title).find_first_not_of(' ') == std::string::npos
+                              ? "(no title)"
+                              : lines.Marked(hit.title)));
         lines.PrintFurther(lines.Marked(Joined(hit.people)));
         lines.PrintFurther(lines.Marked(snippet));
         lines.PrintUrl(PrintableLine(hit.url));

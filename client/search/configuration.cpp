@@ -143,6 +143,12 @@ std::string MetadataFolder(const std::string& caches)
 
 bool WriteConfiguration(const SearchFolders& folders, std::string* error)
 {
+    // The engine's settings are lines, in which it cannot be written.
+    for (const std::string* const path : {&folders.metadata, &folders.home})
+        if (path->find_first_of("\n\r") != path->npos) {
+            *error = "cannot search in " + *path + ": the search engine takes no path with a line break";
+            return false;
+        }
     std::map<std::string, std::string> files;
     if (!Fill(folders, &files, error))
         return false;

@@ -340,5 +340,15 @@ TEST_F(ProgramOpen, UsesThePagerOnATerminalOnly)
     EXPECT_THAT(piped.Wait().out, testing::StartsWith("Form: Memo\n"));
 }
 
+TEST_F(ProgramOpen, ShowsANoteRawOrInAWindowNotBoth)
+{
+    const std::string url = Put("a.vlt", kZebra);
+    const ProgramResult both = home_.Run({"open", "--raw", "--window", url});
+    EXPECT_EQ(both.exit, 2);
+    EXPECT_THAT(both.err, HasSubstr("--raw"));
+    EXPECT_EQ(both.out, "");
+    EXPECT_EQ(History().size(), 0U);
+}
+
 }  // namespace
 }  // namespace pavex

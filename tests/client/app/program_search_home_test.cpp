@@ -160,5 +160,30 @@ TEST(ProgramSearchHome, SaysWhatIsMissing)
     ExpectOneClearLine(without.Wait(), 1, {"Recoll is not installed", "recollcmd"});
 }
 
+TEST(ProgramSearchHome, SaysThatANoteHasNoTitle)
+{
+    ProgramHome home;
+    WriteWholeFile(home.Path("m.eml"), "From: ann@example.org\nDate: Mon, 5 Mar 2007 14:00:00 +0000\n\nquince\n");
+    ASSERT_EQ(home.Run({"import", home.Path("m.eml")}).exit, 0);
+    home.Enable();
+    (void)home.Index();
+    EXPECT_THAT(home.Run({"search", "quince"}).out, HasSubstr("  (no title)\n"));
+}
+
+TEST(ProgramSearchHome, OnAPathWithALineBreakIsRefused)
+{
+    ProgramHome home;
+    const std::string odd = home.Path("a\nb");
+    const auto run = [&](const std::vector<std::string>& arguments) {
+        std::vector<std::string> command = {TORVIK_BINARY_DIR "/bin/pavex", "--home", odd};
+        command.insert(command.end(), arguments.begin(), arguments.end());
+        return Process(command, home.Path("odd")).Wait();
+    };
+    ASSERT_EQ(run({"import", TORVIK_SOURCE_DIR "/samples/mail"}).exit, 0);
+    ASSERT_EQ(run({"settings", "--enable", "--yes"}).exit, 0);
+    ASSERT_EQ(run({"index", "--full-speed"}).exit, 0);
+    ExpectOneClearLine(run({"search", "garden"}), 1, {"a b/caches", "line break"});
+}
+
 }  // namespace
 }  // namespace pavex
