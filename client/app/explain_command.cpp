@@ -116,7 +116,8 @@ std::optional<bool> IsInEngine(const NoteFacts& facts, std::string* error)
     SearchAnswer answer;
     // as a search does
     if (!UpdateIndex(folders, error) ||
-        !AskIndex(folders, "uri:\"" + HexFromUnid(facts.unid) + "\"", "", kMostHits, &answer, error))
+        !AskIndex(folders, {.query = "uri:\"" + HexFromUnid(facts.unid) + "\"", .language = "", .limit = kMostHits},
+                  &answer, error))
         return std::nullopt;
     for (const SearchHit& hit : answer.hits)
         if (hit.url == facts.url)

@@ -101,12 +101,12 @@ int Report(const SearchArguments& arguments, const SearchAnswer& answer)
 
 // Sorting is what takes time when a word stands in very many notes.  The newest of all are the newest of the last
 // year, or the last few, before the last moment that is asked for, if there are enough of those.
-bool AskNewest(const SearchFolders& folders, const SearchRequest& request, unsigned limit, SearchAnswer* answer,
+//   question  all of it but the query.
+bool AskNewest(const SearchFolders& folders, const SearchRequest& request, IndexQuestion question, SearchAnswer* answer,
                std::string* error)
 {
     constexpr int64_t kYear = int64_t{366} * 86400;
     constexpr int kYears[] = {1, 5};
-    const std::string language = StemmingLanguage(cf::CurrentLanguages().languages);
     const std::set<std::string> fields = ReadFieldNames(folders);
     const int64_t end = request.before.value_or(std::time(nullptr));
     for (const int years : kYears) {
@@ -114,12 +114,14 @@ bool AskNewest(const SearchFolders& folders, const SearchRequest& request, unsig
         recent.after = end - years * kYear;
         if (request.after && *request.after >= *recent.after)
             break;
-        if (!AskIndex(folders, BuildQuery(recent, fields), language, limit, answer, error))
+        question.query = BuildQuery(recent, fields);
+        if (!AskIndex(folders, question, answer, error))
             return false;
-        if (answer->hits.size() >= limit)
+        if (answer->hits.size() >= question.limit)
             return true;
     }
-    return AskIndex(folders, BuildQuery(request, fields), language, limit, answer, error);
+    question.query = BuildQuery(request, fields);
+    return AskIndex(folders, question, answer, error);
 }
 
 // What an index holds that could not be brought up to date is still worth having.
@@ -129,7 +131,11 @@ int Ask(const SearchFolders& folders, const SearchRequest& request, const Search
     std::string error;
     SearchAnswer answer;
     const bool isUpToDate = UpdateIndex(folders, &whyOld);
-    if (!HasNoTime(request) && !AskNewest(folders, request, arguments.limit, &answer, &error))
+    const IndexQuestion question{.query = "",
+                                 .language = StemmingLanguage(cf::CurrentLanguages().languages),
+                                 .limit = arguments.limit,
+                                 .mayRebuild = isUpToDate};
+    if (!HasNoTime(request) && !AskNewest(folders, request, question, &answer, &error))
         return Fail(isUpToDate ? error : whyOld);
     const int exit = Report(arguments, answer);
     return isUpToDate ? exit : Fail("the search index is not up to date: " + whyOld);

@@ -131,6 +131,39 @@ bool WriteViewers(const SearchFolders& folders, std::string* error)
     return folders.opener.empty() || ReadFileText(path) == wanted || Write(path, wanted, error);
 }
 
+std::string WrittenPath(const SearchFolders& folders)
+{
+    return folders.home + "/" + kWrittenName;
+}
+
+std::string TextOf(const std::map<std::string, std::string>& files)
+{
+    std::string whole;
+    for (const auto& [name, text] : files)
+        whole.append(name).append("\n").append(text);
+    return whole;
+}
+
+bool MakeFolderAnew(const SearchFolders& folders, std::string* error)
+{
+    std::error_code failed;
+    fs::remove(WrittenPath(folders), failed);  // first: what goes in part only is not taken for whole
+    fs::remove_all(folders.home, failed);
+    fs::create_directories(folders.home, failed);
+    if (!failed && chmod(folders.home.c_str(), S_IRWXU) == 0)
+        return true;
+    *error = "cannot make " + folders.home + " anew: " + (failed ? failed.message() : std::strerror(errno));
+    return false;
+}
+
+bool WriteFiles(const SearchFolders& folders, const std::map<std::string, std::string>& files, std::string* error)
+{
+    for (const auto& [name, text] : files)
+        if (!Write(folders.home + "/" + name, text, error))
+            return false;
+    return Write(WrittenPath(folders), TextOf(files), error) && WriteViewers(folders, error);
+}
+
 }  // namespace
 
 std::string MetadataFolder(const std::string& caches)
@@ -152,23 +185,15 @@ bool WriteConfiguration(const SearchFolders& folders, std::string* error)
     std::map<std::string, std::string> files;
     if (!Fill(folders, &files, error))
         return false;
-    std::string wanted;
-    for (const auto& [name, text] : files)
-        wanted.append(name).append("\n").append(text);
-    const std::string writtenPath = folders.home + "/" + kWrittenName;
-    if (ReadFileText(writtenPath) == wanted)
+    if (ReadFileText(WrittenPath(folders)) == TextOf(files))
         return WriteViewers(folders, error);
-    std::error_code failed;
-    fs::remove_all(folders.home, failed);
-    fs::create_directories(folders.home, failed);
-    if (failed || chmod(folders.home.c_str(), S_IRWXU) != 0) {
-        *error = "cannot make " + folders.home + " anew: " + (failed ? failed.message() : std::strerror(errno));
-        return false;
-    }
-    for (const auto& [name, text] : files)
-        if (!Write(folders.home + "/" + name, text, error))
-            return false;
-    return Write(writtenPath, wanted, error) && WriteViewers(folders, error);
+    return MakeFolderAnew(folders, error) && WriteFiles(folders, files, error);
+}
+
+bool WriteConfigurationAnew(const SearchFolders& folders, std::string* error)
+{
+    std::map<std::string, std::string> files;
+    return Fill(folders, &files, error) && MakeFolderAnew(folders, error) && WriteFiles(folders, files, error);
 }
 
 std::set<std::string> ReadFieldNames(const SearchFolders& folders)

@@ -24,6 +24,9 @@ std::string MetadataFolder(const std::string& caches);
 // saying what and why, when a file cannot be read or written.
 bool WriteConfiguration(const SearchFolders& folders, std::string* error);
 
+// Removes the folder of settings and index with all that is in it, and writes the settings.  False, with *error.
+bool WriteConfigurationAnew(const SearchFolders& folders, std::string* error);
+
 // The names a word may have before a colon, to be looked for in that field; aliases included.
 std::set<std::string> ReadFieldNames(const SearchFolders& folders);
 

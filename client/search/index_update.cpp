@@ -1,4 +1,6 @@
 // client/search/index_update.cpp: keeps the search engine's index up to date.
+#include "client/search/index_update.h"
+
 #include <sys/stat.h>
 
 #include <algorithm>
@@ -8,6 +10,7 @@
 #include <filesystem>
 
 #include "client/search/file_text.h"
+#include "client/search/index_damage.h"
 #include "client/search/index_lock.h"
 #include "client/search/process.h"
 #include "client/search/search_index.h"
@@ -58,6 +61,34 @@ void LetTheSecondPass(std::time_t newest)
     nanosleep(&rest, nullptr);
 }
 
+std::string UpToDate(const SearchFolders& folders)
+{
+    return folders.home + "/up-to-date";
+}
+
+enum class Reading { kDone, kFailed, kDamaged };
+
+// Reads the metafiles into the index.  kDamaged: a new index would do; *error says what is wrong, naming the log.
+Reading ReadMetafiles(const SearchFolders& folders, const Descriptor& lock, const FolderTimes& times,
+                      std::string* error)
+{
+    LetTheSecondPass(times.newest);
+    // the engine holds the lock, too: it may outlive this process, and nobody else may write there then
+    const ProcessResult result = RunProcess({"recollindex", "-c", folders.home}, nullptr, lock.Get());
+    if (DescribeFailure("recollindex", result, error)) {
+        if (result.error != 0)
+            return Reading::kFailed;
+        const std::string log = IndexingLog(folders);
+        const std::string obstacle = FindObstacle(folders, result, log);
+        *error = obstacle.empty() ? *error + "; its log: " + log : "recollindex failed: " + obstacle;
+        return obstacle.empty() ? Reading::kDamaged : Reading::kFailed;
+    }
+    if (ReplaceFile(UpToDate(folders), times.text))
+        return Reading::kDone;
+    *error = "cannot write " + UpToDate(folders) + ": " + std::strerror(errno);
+    return Reading::kFailed;
+}
+
 }  // namespace
 
 bool HasMetadata(const SearchFolders& folders)
@@ -66,22 +97,26 @@ bool HasMetadata(const SearchFolders& folders)
     return fs::is_directory(folders.metadata, failed);
 }
 
+bool RebuildIndex(const SearchFolders& folders, const Descriptor& lock, std::string* error)
+{
+    std::string why;
+    if (WriteConfigurationAnew(folders, &why) &&
+        ReadMetafiles(folders, lock, ReadFolderTimes(folders.metadata), &why) == Reading::kDone)
+        return true;
+    *error = "the search index was damaged and cannot be built anew: " + why;
+    return false;
+}
+
 bool UpdateIndex(const SearchFolders& folders, std::string* error)
 {
     const Descriptor lock = LockIndex(folders, true, error);
     if (!lock.IsOpen() || !WriteConfiguration(folders, error))
         return false;
-    const std::string upToDate = folders.home + "/up-to-date";
     const FolderTimes times = ReadFolderTimes(folders.metadata);
-    if (ReadFileText(upToDate) == times.text)
+    if (ReadFileText(UpToDate(folders)) == times.text)
         return true;
-    LetTheSecondPass(times.newest);
-    if (DescribeFailure("recollindex", RunProcess({"recollindex", "-c", folders.home}), error))
-        return false;
-    if (ReplaceFile(upToDate, times.text))
-        return true;
-    *error = "cannot write " + upToDate + ": " + std::strerror(errno);
-    return false;
+    const Reading reading = ReadMetafiles(folders, lock, times, error);
+    return reading == Reading::kDone || (reading == Reading::kDamaged && RebuildIndex(folders, lock, error));
 }
 
 }  // namespace pavex

@@ -51,15 +51,17 @@ std::vector<char*> Pointers(std::vector<std::string>* texts)
     return pointers;
 }
 
-// Nothing to read, and one pipe for all that is written.
+// Nothing to read, one pipe for all that is written, and what is to be held open.
 class ToolFiles {
 public:
-    explicit ToolFiles(int pipe)
+    ToolFiles(int pipe, int held)
     {
         posix_spawn_file_actions_init(&actions_);
         posix_spawn_file_actions_addopen(&actions_, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
         posix_spawn_file_actions_adddup2(&actions_, pipe, STDOUT_FILENO);
         posix_spawn_file_actions_adddup2(&actions_, pipe, STDERR_FILENO);
+        if (held >= 0)
+            posix_spawn_file_actions_adddup2(&actions_, held, held);  // onto itself: it stays open over the exec
     }
     ~ToolFiles() { posix_spawn_file_actions_destroy(&actions_); }
     ToolFiles(const ToolFiles&) = delete;
@@ -131,7 +133,7 @@ int ExitOf(pid_t process)
 
 }  // namespace
 
-ProcessResult RunProcess(const std::vector<std::string>& command, const LineCallback& onLine)
+ProcessResult RunProcess(const std::vector<std::string>& command, const LineCallback& onLine, int held)
 {
     ProcessResult result;
     std::array<int, 2> ends{};
@@ -141,7 +143,7 @@ ProcessResult RunProcess(const std::vector<std::string>& command, const LineCall
     }
     const Descriptor reading(ends[0]);
     Descriptor writing(ends[1]);
-    const ToolFiles files(writing.Get());
+    const ToolFiles files(writing.Get(), held);
     std::vector<std::string> words = command;
     std::vector<std::string> environment = EnvironmentOfTool();
     pid_t process = 0;

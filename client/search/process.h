@@ -22,6 +22,8 @@ using LineCallback = std::function<void(const std::string& line)>;
 // Runs a program found in PATH and waits for its end.  No shell sees the words.  The program speaks English, takes
 // and gives UTF-8, lives in GMT, is told nothing of the user's own search settings, and meets signals as a shell's
 // programs do.
-ProcessResult RunProcess(const std::vector<std::string>& command, const LineCallback& onLine = nullptr);
+//   held  a descriptor, borrowed, that the program holds open, too, until it ends: a lock on it stays although this
+//         process ends before; -1: none.
+ProcessResult RunProcess(const std::vector<std::string>& command, const LineCallback& onLine = nullptr, int held = -1);
 
 }  // namespace pavex

@@ -3,7 +3,9 @@
 
 #include <sstream>
 
+#include "client/search/index_damage.h"
 #include "client/search/index_lock.h"
+#include "client/search/index_update.h"
 #include "client/search/marked_text.h"
 #include "client/search/process.h"
 #include "client/search/tool_failure.h"
@@ -20,6 +22,11 @@ constexpr std::string_view kAccount = "Recoll query: ";
 constexpr std::string_view kNothingAsked = "null query";
 // What it says where more words begin as asked than it looks for (maxTermExpand and maxXapianClauses in recoll.conf).
 constexpr std::string_view kTooManyWords = "Query setup failed: Maximum";
+
+// What it says of an index that it cannot open, and in place of how many notes it found where it cannot read it.
+constexpr std::string_view kUnopened = "Cant open database";
+constexpr std::string_view kUnread = "-1 results";
+constexpr int kLastStatus = 128;  // beyond: a signal ended it
 
 int ValueOfDigit(char c)
 {
@@ -73,6 +80,38 @@ SearchHit HitOf(const std::vector<std::string>& fields)
     return hit;
 }
 
+enum class Asking { kDone, kFailed, kDamaged };
+
+// kDamaged: a new index would do; *error says what is wrong.  The lock is the caller's.
+Asking Ask(const SearchFolders& folders, const Descriptor& lock, const IndexQuestion& question, SearchAnswer* answer,
+           std::string* error)
+{
+    AnswerReader reader;
+    const ProcessResult result = RunProcess(
+        {"recollq", "-c", folders.home, "-s", question.language, "-S", "pavexdate", "-D", "-n",
+         std::to_string(question.limit), "-F", kFields, question.query},
+        [&reader](const std::string& line) { reader.AddLine(line); }, lock.Get());
+    const auto says = [&result](std::string_view text) { return result.output.find(text) != result.output.npos; };
+    if (result.exit != 0 && says(kNothingAsked)) {
+        *answer = SearchAnswer{};
+        return Asking::kDone;
+    }
+    if (result.exit != 0 && says(kTooManyWords)) {
+        *error = "too many different words begin so; write more of the letters before the asterisk";
+        return Asking::kFailed;
+    }
+    const bool hasFailed = DescribeFailure("recollq", result, error);
+    if (!hasFailed && !reader.IsUnread()) {
+        *answer = reader.Take();
+        return Asking::kDone;
+    }
+    if (!hasFailed)
+        *error = "recollq cannot read the search index; its log: " + QueryLog(folders);
+    const bool isAboutIndex = reader.IsUnread() || says(kUnopened) || result.exit > kLastStatus;
+    return isAboutIndex && FindObstacle(folders, result, QueryLog(folders)).empty() ? Asking::kDamaged
+                                                                                    : Asking::kFailed;
+}
+
 }  // namespace
 
 std::vector<std::string> SplitPeople(const std::string& list)
@@ -101,6 +140,7 @@ void AnswerReader::AddLine(const std::string& line)
         }
         break;
     case Part::kCount:
+        isUnread_ = line.starts_with(kUnread);
         part_ = Part::kHits;
         break;
     case Part::kHits:
@@ -110,28 +150,23 @@ void AnswerReader::AddLine(const std::string& line)
     }
 }
 
-bool AskIndex(const SearchFolders& folders, const std::string& query, const std::string& language, unsigned limit,
-              SearchAnswer* answer, std::string* error)
+bool AskIndex(const SearchFolders& folders, const IndexQuestion& question, SearchAnswer* answer, std::string* error)
 {
-    const Descriptor lock = LockIndex(folders, false, error);
+    Descriptor lock = LockIndex(folders, false, error);
     if (!lock.IsOpen())
         return false;
-    AnswerReader reader;
-    const ProcessResult result = RunProcess({"recollq", "-c", folders.home, "-s", language, "-S", "pavexdate", "-D",
-                                             "-n", std::to_string(limit), "-F", kFields, query},
-                                            [&reader](const std::string& line) { reader.AddLine(line); });
-    if (result.exit != 0 && result.output.find(kNothingAsked) != std::string::npos) {
-        *answer = SearchAnswer{};
-        return true;
-    }
-    if (result.exit != 0 && result.output.find(kTooManyWords) != std::string::npos) {
-        *error = "too many different words begin so; write more of the letters before the asterisk";
+    Asking asking = Ask(folders, lock, question, answer, error);
+    if (asking != Asking::kDamaged || !question.mayRebuild)
+        return asking == Asking::kDone;
+    (void)lock.Close();
+    lock = LockIndex(folders, true, error);
+    if (!lock.IsOpen())
         return false;
-    }
-    if (DescribeFailure("recollq", result, error))
-        return false;
-    *answer = reader.Take();
-    return true;
+    // another process may have built it anew meanwhile
+    asking = Ask(folders, lock, question, answer, error);
+    if (asking == Asking::kDamaged && RebuildIndex(folders, lock, error))
+        asking = Ask(folders, lock, question, answer, error);
+    return asking == Asking::kDone;
 }
 
 }  // namespace pavex

@@ -29,23 +29,33 @@ struct SearchAnswer {
 bool HasMetadata(const SearchFolders& folders);
 
 // Writes the settings and reads new and changed metafiles into the index; nothing is started when no folder
-// changed since the last time.  Waits while another process does the same.  False, with *error.
+// changed since the last time.  An index that turns out to be damaged is built anew, once.  Waits while another
+// process does the same.  False, with *error.
 bool UpdateIndex(const SearchFolders& folders, std::string* error);
 
-// query: from BuildQuery.  language: from StemmingLanguage.  Waits while the index is being
-// brought up to date.  False, with *error; no hit is no failure.
-bool AskIndex(const SearchFolders& folders, const std::string& query, const std::string& language, unsigned limit,
-              SearchAnswer* answer, std::string* error);
+struct IndexQuestion {
+    std::string query;     // from BuildQuery
+    std::string language;  // from StemmingLanguage
+    unsigned limit = 0;    // no more hits than these
+    // A damaged index is built anew, once.  Of no use after UpdateIndex has failed.
+    bool mayRebuild = true;
+};
+
+// Waits while the index is being brought up to date.  False, with *error; no hit is no failure.
+bool AskIndex(const SearchFolders& folders, const IndexQuestion& question, SearchAnswer* answer, std::string* error);
 
 // Takes what the engine prints, line by line.
 class AnswerReader {
 public:
     void AddLine(const std::string& line);
+    // The engine found that it cannot read its index.
+    bool IsUnread() const { return isUnread_; }
     SearchAnswer Take() { return std::move(answer_); }
 
 private:
     enum class Part { kBefore, kCount, kHits };
     Part part_ = Part::kBefore;
+    bool isUnread_ = false;
     SearchAnswer answer_;
 };
 

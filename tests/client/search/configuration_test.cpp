@@ -109,6 +109,21 @@ TEST_F(Configuration, KeepsItsIndexWhenTheProgramMoved)
     EXPECT_THAT(Text("mimeview"), Not(HasSubstr("/one/")));
 }
 
+TEST_F(Configuration, IsWrittenAnewWithoutWhatWasThereAndTouchesNothingElse)
+{
+    Write();
+    const std::string other = fs::path(folders_.home).parent_path() / "other";
+    fs::create_directories(other);
+    WriteWholeFile(other + "/file", "stays");
+    fs::create_directory(folders_.home + "/xapiandb");
+    fs::create_directory_symlink(other, folders_.home + "/xapiandb/link");
+    std::string error;
+    EXPECT_TRUE(WriteConfigurationAnew(folders_, &error)) << error;
+    EXPECT_FALSE(fs::exists(folders_.home + "/xapiandb"));
+    EXPECT_EQ(ReadWholeFile(other + "/file"), "stays");
+    EXPECT_NE(Text("recoll.conf"), "");
+}
+
 TEST_F(Configuration, SaysWhatIsMissing)
 {
     folders_.templates = "/nowhere";
