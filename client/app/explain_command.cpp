@@ -108,21 +108,26 @@ bool FindTarget(const ExplainArguments& arguments, Place* place, std::string* er
 
 // ---- the search engine --------------------------------------------------------------------------
 
-// None, with *error, when it cannot be asked.
+// As a search does: what an index holds that could not be brought up to date counts.  None when the engine cannot
+// tell.  *error says why the index cannot be asked or is not up to date.
 std::optional<bool> IsInEngine(const NoteFacts& facts, std::string* error)
 {
     const SearchFolders folders = FoldersOfHome();
     constexpr unsigned kMostHits = 100;
     SearchAnswer answer;
-    // as a search does
-    if (!UpdateIndex(folders, error) ||
-        !AskIndex(folders, {.query = "uri:\"" + HexFromUnid(facts.unid) + "\"", .language = "", .limit = kMostHits},
-                  &answer, error))
-        return std::nullopt;
+    std::string whyOld;
+    const bool isUpToDate = UpdateIndex(folders, &whyOld);
+    const IndexQuestion question{.query = "uri:\"" + HexFromUnid(facts.unid) + "\"",
+                                 .language = "",
+                                 .limit = kMostHits,
+                                 .mayRebuild = isUpToDate};
+    const bool isAsked = AskIndex(folders, question, &answer, error);
+    if (!isUpToDate)
+        *error = isAsked ? "the search index is not up to date: " + whyOld : whyOld;
     for (const SearchHit& hit : answer.hits)
         if (hit.url == facts.url)
             return true;
-    return false;
+    return isAsked && isUpToDate ? std::optional(false) : std::nullopt;
 }
 
 // ---- the answer ---------------------------------------------------------------------------------
@@ -130,7 +135,7 @@ std::optional<bool> IsInEngine(const NoteFacts& facts, std::string* error)
 struct Answer {
     NoteFacts facts;
     SearchFacts search;
-    std::string engineError;
+    std::string engineError;  // why the search engine cannot tell, or tells of an old index
     std::string title;
     std::vector<std::string> log;
     Explanation explanation;
@@ -162,6 +167,7 @@ bool FindAnswer(const Place& place, Answer* answer, std::string* error)
     answer->search.engineLog = FoldersOfHome().home + "/log";
     if (answer->facts.found != nullptr)
         answer->search.isInEngine = IsInEngine(answer->facts, &answer->engineError);
+    answer->search.whyUnknown = answer->engineError;
     answer->title = TitleOf(place);
     if (answer->facts.record)
         answer->log = LastFailures(answer->facts.record->path, place.note);
@@ -214,8 +220,10 @@ std::string EngineLine(const Answer& answer)
     if (answer.facts.found == nullptr)
         return {};
     if (!answer.search.isInEngine)
-        return "the search engine cannot be asked: " + answer.engineError;
-    return *answer.search.isInEngine ? "the search engine has it" : "the search engine does not have it";
+        return "the search engine cannot tell: " + answer.engineError;
+    if (!*answer.search.isInEngine)
+        return "the search engine does not have it";
+    return "the search engine has it" + (answer.engineError.empty() ? "" : "; " + answer.engineError);
 }
 
 std::string RecordLine(const NoteFacts& facts)

@@ -139,8 +139,10 @@ Explanation Explain(const NoteFacts& facts, const SearchFacts& search)
 {
     const Case c{facts, search};
     const bool hasFile = facts.found != nullptr && facts.file.state != FileState::kDamaged;
+    if (hasFile && !search.isInEngine)
+        return {false, "engine-unavailable", "Not findable now: " + search.whyUnknown + ". Its metafile is there."};
     Explanation explanation;
-    explanation.isFindable = hasFile && search.isInEngine.value_or(true);
+    explanation.isFindable = hasFile && *search.isInEngine;
     const auto take = [&](const Rule& rule) {
         if (!explanation.text.empty() || !rule.applies(c))
             return;

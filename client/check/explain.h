@@ -42,7 +42,8 @@ STATUS GatherNoteFacts(const std::string& database, uint32_t id, const std::stri
 struct SearchFacts {
     std::string whyNoPass;           // why nothing is indexed at all, a clause; empty: it is
     std::string engineLog{};         // native path
-    std::optional<bool> isInEngine;  // whether the search engine has the note's metafile; none: it could not be asked
+    std::optional<bool> isInEngine;  // whether the search engine has the note's metafile; none: it cannot tell
+    std::string whyUnknown{};        // why not, a clause
 };
 
 struct Explanation {

@@ -178,6 +178,29 @@ TEST_F(ProgramExplain, SaysWhyNoPassWillCome)
     EXPECT_THAT(ExplainId(1)["text"].get<std::string>(), HasSubstr("policy"));
 }
 
+TEST_F(ProgramExplain, SaysThatTheSearchEngineCannotTell)
+{
+    MakeIndexed();
+    const auto explain = [this](const std::vector<std::string>& options) {
+        std::vector<std::string> command = {"env",    "PATH=/nowhere",    TORVIK_BINARY_DIR "/bin/pavex",
+                                            "--home", home_.Path("home"), "explain"};
+        command.insert(command.end(), options.begin(), options.end());
+        command.insert(command.end(), {"--db", "mail.vlt", "1"});
+        const ProgramResult result = Process(command, home_.Path("without")).Wait();
+        EXPECT_EQ(result.exit, 0) << result.err;
+        return result.out;
+    };
+    const Json json = Json::parse(explain({"--json"}));
+    EXPECT_EQ(json["findable"], false);
+    EXPECT_EQ(json["reason"], "engine-unavailable");
+    EXPECT_EQ(json["in_search_index"], nullptr);
+    EXPECT_EQ(json["metafile_state"], "good");
+    const std::string text = explain({});
+    EXPECT_THAT(text, StartsWith("Not findable now: the search engine Recoll is not installed"));
+    EXPECT_THAT(text, HasSubstr("install the package recollcmd. Its metafile is there.\n"));
+    ExpectReason(1, true, "indexed");
+}
+
 TEST_F(ProgramExplain, KnowsTheHistory)
 {
     MakeIndexed();

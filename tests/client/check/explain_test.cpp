@@ -47,10 +47,21 @@ TEST(Explain, SaysAsWhatAGoodNoteIsFound)
     EXPECT_EQ(good.text, "Findable as mail.");
 }
 
-TEST(Explain, TakesANoteForFoundWhenTheEngineCannotBeAsked)
+TEST(Explain, TakesNoNoteForFoundWhenTheEngineCannotTell)
 {
-    const Explanation explanation = After([](NoteFacts&, SearchFacts& search) { search.isInEngine.reset(); });
-    EXPECT_TRUE(explanation.isFindable);
+    const auto unknown = [](NoteFacts&, SearchFacts& search) {
+        search.isInEngine.reset();
+        search.whyUnknown = "the engine is not installed";
+    };
+    const Explanation explanation = After(unknown);
+    EXPECT_FALSE(explanation.isFindable);
+    EXPECT_EQ(explanation.reason, "engine-unavailable");
+    EXPECT_EQ(explanation.text, "Not findable now: the engine is not installed. Its metafile is there.");
+    const Explanation missing = After([&unknown](NoteFacts& facts, SearchFacts& search) {
+        unknown(facts, search);
+        NoFile(facts);
+    });
+    EXPECT_EQ(missing.reason, "metafile-missing") << "whatever the engine has";
 }
 
 TEST(Explain, TellsOfWhatIsSealed)
