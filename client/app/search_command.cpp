@@ -88,15 +88,15 @@ int Report(const SearchArguments& arguments, const SearchAnswer& answer)
     urls.reserve(results.size());
     for (const SearchResult& result : results)
         urls.push_back(result.hit.url);
-    if (!KeepLastSearch(urls))
-        return Fail(std::string("cannot keep the results for pavex open: ") + std::strerror(errno));
+    const int whyNotKept = KeepLastSearch(urls) ? 0 : errno;
     if (results.empty())
         std::cerr << "pavex: nothing found" << WhyNothing(arguments) << '\n';
     else if (arguments.json)
         PrintResultsAsJson(results, answer.terms);
     else
         PrintResults(results, answer.terms);
-    return kExitDone;
+    return whyNotKept == 0 ? kExitDone
+                           : Fail(std::string("cannot keep the results for pavex open: ") + std::strerror(whyNotKept));
 }
 
 // Sorting is what takes time when a word stands in very many notes.  The newest of all are the newest of the last

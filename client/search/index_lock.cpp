@@ -18,6 +18,11 @@ Descriptor LockIndex(const SearchFolders& folders, bool isAlone, std::string* er
     std::error_code failed;
     std::filesystem::create_directories(std::filesystem::path(path).parent_path(), failed);
     Descriptor lock(open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, S_IRUSR | S_IWUSR));
+    if (const int why = errno; !lock.IsOpen() && !isAlone) {
+        // where nothing can be written an index can still be read
+        lock = Descriptor(open(path.c_str(), O_RDONLY | O_CLOEXEC));
+        errno = why;
+    }
     while (lock.IsOpen() && flock(lock.Get(), isAlone ? LOCK_EX : LOCK_SH) != 0) {
         if (errno == EINTR)
             continue;

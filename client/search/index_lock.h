@@ -9,7 +9,8 @@
 namespace pavex {
 
 // Waits for the lock, which is held until the descriptor is closed: alone for changing the index, with others for
-// reading it.  Makes the folders above the index.  Not open, with *error, when that cannot be done.
+// reading it.  Makes the folders above the index, and the file, which for reading need only be there.  Not open, with
+// *error, when that cannot be done.
 Descriptor LockIndex(const SearchFolders& folders, bool isAlone, std::string* error);
 
 }  // namespace pavex

@@ -110,10 +110,13 @@ bool RebuildIndex(const SearchFolders& folders, const Descriptor& lock, std::str
 bool UpdateIndex(const SearchFolders& folders, std::string* error)
 {
     const Descriptor lock = LockIndex(folders, true, error);
-    if (!lock.IsOpen() || !WriteConfiguration(folders, error))
-        return false;
     const FolderTimes times = ReadFolderTimes(folders.metadata);
-    if (ReadFileText(UpToDate(folders)) == times.text)
+    const auto isUpToDate = [&] { return ReadFileText(UpToDate(folders)) == times.text; };
+    if (!lock.IsOpen())
+        return isUpToDate();  // where nothing can be written, nothing need be
+    if (!WriteConfiguration(folders, error))
+        return false;
+    if (isUpToDate())
         return true;
     const Reading reading = ReadMetafiles(folders, lock, times, error);
     return reading == Reading::kDone || (reading == Reading::kDamaged && RebuildIndex(folders, lock, error));

@@ -107,9 +107,14 @@ Asking Ask(const SearchFolders& folders, const Descriptor& lock, const IndexQues
     }
     if (!hasFailed)
         *error = "recollq cannot read the search index; its log: " + QueryLog(folders);
-    const bool isAboutIndex = reader.IsUnread() || says(kUnopened) || result.exit > kLastStatus;
-    return isAboutIndex && FindObstacle(folders, result, QueryLog(folders)).empty() ? Asking::kDamaged
-                                                                                    : Asking::kFailed;
+    const bool isUnopened = reader.IsUnread() || says(kUnopened);
+    if (!isUnopened && result.exit <= kLastStatus)
+        return Asking::kFailed;
+    const std::string obstacle = FindObstacle(folders, result, QueryLog(folders));
+    if (obstacle.empty())
+        return Asking::kDamaged;
+    *error = (isUnopened ? "the search index cannot be read, nor built anew: " : "recollq failed: ") + obstacle;
+    return Asking::kFailed;
 }
 
 }  // namespace

@@ -199,5 +199,82 @@ TEST_F(ProgramIndex, StaysLockedByTheEngineThatAKilledSearchLeftAtWork)
     EXPECT_TRUE(IsKept());
 }
 
+// ---- where nothing can be written ---------------------------------------------------------------
+
+// The administrator may write everywhere, and becomes another user for this.
+class ProgramReadOnlyIndex : public ProgramIndex {
+protected:
+    void SetUp() override
+    {
+        ProgramIndex::SetUp();
+        if (geteuid() != 0)
+            return;
+        fs::permissions(home_.Path(""), fs::perms(0755));
+        another_ = {"setpriv", "--reuid=12345", "--regid=12345", "--clear-groups"};
+        if (RunAs({"sh", "-c", std::string("test -x ") + kProgram + " -a -x '" + home_.Path("") + "'"}).exit != 0)
+            GTEST_SKIP() << "other users may not reach the program or the folder for temporary files";
+        for (const std::string& path : Paths())
+            EXPECT_EQ(chown(path.c_str(), 12345, 12345), 0);
+    }
+    void TearDown() override { SetPermissions(fs::perms(0700)); }
+    // Of all folders and files of the home.
+    void SetPermissions(fs::perms permissions)
+    {
+        for (const std::string& path : Paths())
+            fs::permissions(path, permissions);
+    }
+    ProgramResult RunAs(const Lines& arguments)
+    {
+        Lines command = another_;
+        command.insert(command.end(), arguments.begin(), arguments.end());
+        return Process(command, home_.Path("other")).Wait();
+    }
+    ProgramResult Search(const std::string& word)
+    {
+        return RunAs({kProgram, "--home", home_.Path("home"), "search", word});
+    }
+
+private:
+    Lines Paths() const
+    {
+        Lines paths = {home_.Path("home")};
+        for (const fs::directory_entry& entry : fs::recursive_directory_iterator(home_.Path("home")))
+            paths.push_back(entry.path().string());
+        return paths;
+    }
+
+    Lines another_ = {"env"};
+};
+
+TEST_F(ProgramReadOnlyIndex, IsAsked)
+{
+    SetPermissions(fs::perms(0500));
+    const ProgramResult result = Search("quince");
+    EXPECT_THAT(result.out, HasSubstr("Pavex:///A"));
+    EXPECT_EQ(result.exit, 1);
+    EXPECT_THAT(result.err, testing::StartsWith("pavex: cannot keep the results for pavex open: "));
+}
+
+TEST_F(ProgramReadOnlyIndex, IsAskedWhenItIsOldAndThatIsSaid)
+{
+    WriteNote("B", "medlar");
+    SetPermissions(fs::perms(0500));
+    const ProgramResult result = Search("quince");
+    EXPECT_THAT(result.out, HasSubstr("Pavex:///A"));
+    EXPECT_EQ(result.exit, 1);
+    EXPECT_THAT(result.err, HasSubstr("the search index is not up to date: "));
+}
+
+TEST_F(ProgramReadOnlyIndex, IsLeftAloneWhenItIsDamaged)
+{
+    Garble();
+    SetPermissions(fs::perms(0500));
+    const ProgramResult result = Search("quince");
+    EXPECT_EQ(result.exit, 1);
+    EXPECT_EQ(result.out, "");
+    EXPECT_THAT(result.err, HasSubstr("cannot be read, nor built anew: Permission denied"));
+    EXPECT_TRUE(IsKept());
+}
+
 }  // namespace
 }  // namespace pavex
