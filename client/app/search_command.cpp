@@ -6,11 +6,13 @@
 #include <filesystem>
 #include <iostream>
 #include <memory>
+#include <optional>
 #include <set>
 
 #include "client/app/command.h"
 #include "client/app/indexing_state.h"
 #include "client/app/last_search.h"
+#include "client/app/progress_line.h"
 #include "client/app/search_folders.h"
 #include "client/app/search_report.h"
 #include "client/foundation/languages.h"
@@ -130,12 +132,17 @@ int Ask(const SearchFolders& folders, const SearchRequest& request, const Search
     std::string whyOld;
     std::string error;
     SearchAnswer answer;
-    const bool isUpToDate = UpdateIndex(folders, &whyOld);
+    std::optional<ProgressLine> progress(true);
+    const auto tell = [&progress] { progress->Show("reading new and changed notes for the search..."); };
+    const bool isUpToDate = UpdateIndex(folders, &whyOld, tell);
     const IndexQuestion question{.query = "",
                                  .language = StemmingLanguage(cf::CurrentLanguages().languages),
                                  .limit = arguments.limit,
-                                 .mayRebuild = isUpToDate};
-    if (!HasNoTime(request) && !AskNewest(folders, request, question, &answer, &error))
+                                 .mayRebuild = isUpToDate,
+                                 .onRebuild = tell};
+    const bool isAsked = HasNoTime(request) || AskNewest(folders, request, question, &answer, &error);
+    progress.reset();
+    if (!isAsked)
         return Fail(isUpToDate ? error : whyOld);
     const int exit = Report(arguments, answer);
     return isUpToDate ? exit : Fail("the search index is not up to date: " + whyOld);

@@ -11,7 +11,8 @@
 
 namespace pavex {
 
-Descriptor LockIndex(const SearchFolders& folders, bool isAlone, std::string* error)
+Descriptor LockIndex(const SearchFolders& folders, bool isAlone, std::string* error,
+                     const std::function<void()>& onWait)
 {
     // beside the folder, which is made anew when the settings change
     const std::string path = folders.home + ".lock";
@@ -23,7 +24,10 @@ Descriptor LockIndex(const SearchFolders& folders, bool isAlone, std::string* er
         lock = Descriptor(open(path.c_str(), O_RDONLY | O_CLOEXEC));
         errno = why;
     }
-    while (lock.IsOpen() && flock(lock.Get(), isAlone ? LOCK_EX : LOCK_SH) != 0) {
+    const int operation = isAlone ? LOCK_EX : LOCK_SH;
+    if (onWait && lock.IsOpen() && flock(lock.Get(), operation | LOCK_NB) != 0)
+        onWait();
+    while (lock.IsOpen() && flock(lock.Get(), operation) != 0) {
         if (errno == EINTR)
             continue;
         *error = "cannot lock " + path + ": " + std::strerror(errno);

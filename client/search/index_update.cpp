@@ -107,9 +107,9 @@ bool RebuildIndex(const SearchFolders& folders, const Descriptor& lock, std::str
     return false;
 }
 
-bool UpdateIndex(const SearchFolders& folders, std::string* error)
+bool UpdateIndex(const SearchFolders& folders, std::string* error, const std::function<void()>& onWork)
 {
-    const Descriptor lock = LockIndex(folders, true, error);
+    const Descriptor lock = LockIndex(folders, true, error, onWork);
     const FolderTimes times = ReadFolderTimes(folders.metadata);
     const auto isUpToDate = [&] { return ReadFileText(UpToDate(folders)) == times.text; };
     if (!lock.IsOpen())
@@ -118,6 +118,8 @@ bool UpdateIndex(const SearchFolders& folders, std::string* error)
         return false;
     if (isUpToDate())
         return true;
+    if (onWork)
+        onWork();
     const Reading reading = ReadMetafiles(folders, lock, times, error);
     return reading == Reading::kDone || (reading == Reading::kDamaged && RebuildIndex(folders, lock, error));
 }

@@ -169,6 +169,8 @@ bool AskIndex(const SearchFolders& folders, const IndexQuestion& question, Searc
         return false;
     // another process may have built it anew meanwhile
     asking = Ask(folders, lock, question, answer, error);
+    if (asking == Asking::kDamaged && question.onRebuild)
+        question.onRebuild();
     if (asking == Asking::kDamaged && RebuildIndex(folders, lock, error))
         asking = Ask(folders, lock, question, answer, error);
     return asking == Asking::kDone;

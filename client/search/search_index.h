@@ -1,6 +1,7 @@
 // client/search/search_index.h: the search engine's index of one home: kept up to date, and asked.
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <utility>
@@ -31,7 +32,8 @@ bool HasMetadata(const SearchFolders& folders);
 // Writes the settings and reads new and changed metafiles into the index; nothing is started when no folder
 // changed since the last time.  An index that turns out to be damaged is built anew, once.  Waits while another
 // process does the same.  False, with *error.
-bool UpdateIndex(const SearchFolders& folders, std::string* error);
+//   onWork  called when that takes time: metafiles are to be read, or another process reads them.
+bool UpdateIndex(const SearchFolders& folders, std::string* error, const std::function<void()>& onWork = nullptr);
 
 struct IndexQuestion {
     std::string query;     // from BuildQuery
@@ -39,6 +41,7 @@ struct IndexQuestion {
     unsigned limit = 0;    // no more hits than these
     // A damaged index is built anew, once.  Of no use after UpdateIndex has failed.
     bool mayRebuild = true;
+    std::function<void()> onRebuild = nullptr;  // called before
 };
 
 // Waits while the index is being brought up to date.  False, with *error; no hit is no failure.

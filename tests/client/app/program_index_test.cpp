@@ -12,12 +12,14 @@
 
 #include "client/store/descriptor.h"
 #include "tests/client/app/program_fixture.h"
+#include "tests/client/app/terminal_fixture.h"
 
 namespace pavex {
 namespace {
 
 namespace fs = std::filesystem;
 using testing::HasSubstr;
+using testing::Not;
 using Lines = std::vector<std::string>;
 
 constexpr const char* kProgram = TORVIK_BINARY_DIR "/bin/pavex";
@@ -197,6 +199,19 @@ TEST_F(ProgramIndex, StaysLockedByTheEngineThatAKilledSearchLeftAtWork)
     EXPECT_EQ(result.exit, 0) << result.err;
     EXPECT_THAT(result.out, HasSubstr("Pavex:///B"));
     EXPECT_TRUE(IsKept());
+}
+
+TEST_F(ProgramIndex, TellsOnATerminalThatNotesAreReadAndTakesThatBackBeforeTheResults)
+{
+    const std::string told = "reading new and changed notes";
+    const Lines command = {kProgram, "--home", home_.Path("home"), "search", "quince"};
+    EXPECT_THAT(RunOnTerminal({}, command), Not(HasSubstr(told))) << "nothing changed";
+    WriteNote("B", "medlar");
+    EXPECT_THAT(RunOnTerminal({}, command), testing::ContainsRegex("^[^\n]*" + told + "[^\n]*\r\x1b\\[K1\\. note"));
+    fs::remove_all(Index("xapiandb"));
+    EXPECT_THAT(RunOnTerminal({}, command), HasSubstr(told)) << "it is built anew";
+    WriteNote("C", "medlar");
+    EXPECT_THAT(home_.Run({"search", "quince"}).err, testing::IsEmpty());
 }
 
 // ---- where nothing can be written ---------------------------------------------------------------
