@@ -45,7 +45,7 @@ std::string WhyNothingIsIndexed(const std::vector<Slot>& slots)
 
 std::string HowToIndex(const std::vector<Slot>& slots)
 {
-    const std::string why = WhyNothingIsIndexed(slots);
+    std::string why = WhyNothingIsIndexed(slots);
     if (PolicyLocksIndexing())
         return why;
     if (why.empty())
