@@ -189,10 +189,13 @@ TEST_F(ProgramIndex, StaysLockedByTheEngineThatAKilledSearchLeftAtWork)
     search->Signal(SIGKILL);
     EXPECT_EQ(search->Wait().exit, 128 + SIGKILL);
 
-    const Descriptor lock(open(Index("").substr(0, Index("").size() - 1).append(".lock").c_str(), O_RDWR | O_CLOEXEC));
-    ASSERT_TRUE(lock.IsOpen());
-    EXPECT_EQ(flock(lock.Get(), LOCK_EX | LOCK_NB), -1);
-    EXPECT_EQ(errno, EWOULDBLOCK);
+    {  // a lock that is got here, against what is expected, must not keep the next search waiting
+        const Descriptor lock(
+            open(Index("").substr(0, Index("").size() - 1).append(".lock").c_str(), O_RDWR | O_CLOEXEC));
+        ASSERT_TRUE(lock.IsOpen());
+        EXPECT_EQ(flock(lock.Get(), LOCK_EX | LOCK_NB), -1);
+        EXPECT_EQ(errno, EWOULDBLOCK);
+    }
     const std::unique_ptr<Process> next = home_.Start({"search", "medlar"});
     ASSERT_EQ(write(opened.Get(), "go\n", 3), 3);
     const ProgramResult result = next->Wait();
