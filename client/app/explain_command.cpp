@@ -14,6 +14,7 @@
 #include "client/app/terminal_text.h"
 #include "client/check/explain.h"
 #include "client/foundation/host.h"
+#include "client/search/index_damage.h"
 #include "client/search/search_index.h"
 #include "client/store/engine.h"
 #include "client/store/note_link.h"
@@ -164,7 +165,7 @@ bool FindAnswer(const Place& place, Answer* answer, std::string* error)
         return false;
     }
     answer->search.whyNoPass = WhyNoPass();
-    answer->search.engineLog = FoldersOfHome().home + "/log";
+    answer->search.engineLog = IndexingLog(FoldersOfHome());
     if (answer->facts.found != nullptr)
         answer->search.isInEngine = IsInEngine(answer->facts, &answer->engineError);
     answer->search.whyUnknown = answer->engineError;

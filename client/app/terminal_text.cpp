@@ -3,30 +3,20 @@
 
 #include <sys/ioctl.h>
 #include <unicode/uchar.h>
-#include <unicode/utf8.h>
 
 #include <algorithm>
 #include <cstdlib>
 #include <string_view>
 #include <vector>
 
+#include "client/store/utf8_reader.h"
+
 namespace pavex {
 
 namespace {
 
-constexpr UChar32 kNonJoiner = 0x200C;
-constexpr UChar32 kJoiner = 0x200D;
 constexpr UChar32 kEmojiStyle = 0xFE0F;
 constexpr size_t kUsualColumns = 80;
-
-// The character at a place, which moves on behind it.
-UChar32 NextCharacter(std::string_view utf8, size_t* at)
-{
-    const auto* const bytes = reinterpret_cast<const uint8_t*>(utf8.data());
-    UChar32 c = 0;
-    U8_NEXT_OR_FFFD(bytes, *at, utf8.size(), c);
-    return c;
-}
 
 bool IsWide(UChar32 c)
 {

@@ -20,7 +20,8 @@ enum Field : size_t { kFile, kMediaType, kDate, kUri, kTitle, kAuthor, kRecipien
 constexpr std::string_view kAccount = "Recoll query: ";
 // What the engine says of a query of which it keeps no term.
 constexpr std::string_view kNothingAsked = "null query";
-// What it says where more words begin as asked than it looks for (maxTermExpand and maxXapianClauses in recoll.conf).
+// What it says where more words begin as asked than it looks for (maxTermExpand in recoll.conf, and its own bound on
+// the whole query).
 constexpr std::string_view kTooManyWords = "Query setup failed: Maximum";
 
 // What it says of an index that it cannot open, and in place of how many notes it found where it cannot read it.

@@ -2,26 +2,15 @@
 #include "client/store/printable_text.h"
 
 #include <unicode/uchar.h>
-#include <unicode/utf8.h>
 
 #include <array>
 #include <cstdio>
 
+#include "client/store/utf8_reader.h"
+
 namespace pavex {
 
 namespace {
-
-constexpr UChar32 kNonJoiner = 0x200C;
-constexpr UChar32 kJoiner = 0x200D;
-
-// The character at a place, which moves on behind it.
-UChar32 NextCharacter(std::string_view utf8, size_t* at)
-{
-    const auto* const bytes = reinterpret_cast<const uint8_t*>(utf8.data());
-    UChar32 c = 0;
-    U8_NEXT_OR_FFFD(bytes, *at, utf8.size(), c);
-    return c;
-}
 
 void Append(UChar32 c, std::string* utf8)
 {
